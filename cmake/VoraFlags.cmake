@@ -1,0 +1,14 @@
+# Warning and floating-point flags for our own targets, never forced on consumers.
+add_library(vora_developer_flags INTERFACE)
+target_compile_options(vora_developer_flags INTERFACE
+  -Wall -Wextra -Wpedantic
+  # Results are compared bit for bit: no fused multiply-add behind our back.
+  -ffp-contract=off
+  $<$<BOOL:${VORA_WERROR}>:-Werror>)
+
+# Sanitizers are switched on for every target of the build tree by the preset.
+set(VORA_SANITIZE "" CACHE STRING "Sanitizers to enable, e.g. address,undefined")
+if(VORA_SANITIZE)
+  add_compile_options(-fsanitize=${VORA_SANITIZE} -fno-omit-frame-pointer -fno-sanitize-recover=all)
+  add_link_options(-fsanitize=${VORA_SANITIZE})
+endif()

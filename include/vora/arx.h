@@ -1,0 +1,13 @@
+// The host's umbrella header: the ObjectARX names that the module, and any
+// other plug-in written for this host, is compiled against. Built against the
+// real SDK, this header would include the SDK's own headers instead.
+#ifndef VORA_ARX_H
+#define VORA_ARX_H
+
+#include "vora/arx/adesk.h"
+#include "vora/arx/gegbl.h"
+#include "vora/arx/gevec2d.h"
+#include "vora/arx/gevec3d.h"
+#include "vora/arx/acarray.h"
+
+#endif

@@ -1,0 +1,14 @@
+// VoraCLib: the module's public interface.
+//
+// Every function exported by the module is declared by the headers included
+// here, with C linkage. Geometry functions take points as three consecutive
+// doubles x, y, z (the layout of AcGePoint3d); planar functions read x and y
+// only and write z = 0.0 in every point they output. Outputs marked optional
+// may be null; outputs that a call does not write keep what the caller had in
+// them, so the result code tells which outputs are valid.
+#ifndef VORA_VORA_H
+#define VORA_VORA_H
+
+#include "vora/geometry.h"
+
+#endif

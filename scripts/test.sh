@@ -1,0 +1,21 @@
+#!/usr/bin/env bash
+# The test job: set up, then build and test the release and the sanitizer
+# builds, and check the installed package from an outside project.
+set -euo pipefail
+cd "$(dirname "$0")/.."
+bash scripts/setup.sh
+
+jobs=$(nproc)
+
+echo "== release build and tests"
+cmake --preset release >/dev/null
+cmake --build --preset release -j "$jobs"
+ctest --preset release -j "$jobs"
+
+echo "== installed package"
+bash tests/consumer/run.sh build/release
+
+echo "== sanitizer build and tests (address, undefined)"
+cmake --preset sanitize >/dev/null
+cmake --build --preset sanitize -j "$jobs"
+ctest --preset sanitize -j "$jobs"

@@ -9,5 +9,10 @@
 #include "vora/arx/gevec2d.h"
 #include "vora/arx/gevec3d.h"
 #include "vora/arx/acarray.h"
+#include "vora/arx/gecurve2d.h"
+#include "vora/arx/rx.h"
+#include "vora/arx/ads.h"
+#include "vora/arx/db.h"
+#include "vora/arx/dbents.h"
 
 #endif

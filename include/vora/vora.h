@@ -10,5 +10,12 @@
 #define VORA_VORA_H
 
 #include "vora/geometry.h"
+#include "vora/distance.h"
+#include "vora/intersect.h"
+#include "vora/plane.h"
+#include "vora/polyline.h"
+#include "vora/polygon.h"
+#include "vora/featureline.h"
+#include "vora/database.h"
 
 #endif

@@ -1,7 +1,55 @@
 // Bulges, arcs and polylines: conversion, measures, tessellation, point insertion.
+//
+// A bulge is tan(theta/4), theta the included angle of the arc from the
+// segment's first point to its second: positive counter-clockwise, negative
+// clockwise, |b| = 1 a half circle, |b| < tolValue a straight segment. An arc
+// in centre form is a centre record {cx, cy, signed radius} (negative radius:
+// clockwise) and an angle pair {start, end} in [0, 2pi), always read
+// counter-clockwise from start to end, so for a clockwise arc start is the
+// angle of the segment's second point. Only x and y of input points are read
+// here; every point written has z = 0 unless a function says otherwise.
 #ifndef VORA_POLYLINE_H
 #define VORA_POLYLINE_H
 
+#include <cstdint>
+
 #include "vora/arx.h"
+
+// Bulge and end points of the arc {centreRadius, angles}. Writes *bulge and,
+// when non-null, the arc's first point (startPt) and second point (endPt) in
+// the direction of travel: for a negative radius startPt is the point at the
+// end angle. With a null bulge nothing is written. A radius under tolValue
+// gives bulge 0. Always returns 0.
+VORA_API int vora_arc2bulge(const double* centreRadius, const double* angles, double* bulge, double* startPt,
+                            double* endPt);
+
+// Scalar form of vora_arc2bulge: returns the bulge and writes the non-null
+// coordinate outputs (first point x, y, second point x, y).
+VORA_API double vora_arc2bulgeNET(double cx, double cy, double radius, double startAngle, double endAngle,
+                                  double* startX, double* startY, double* endX, double* endY);
+
+// Arc of the segment p1 -> p2 with the given bulge. Writes centreRadius
+// {cx, cy, signed radius} unless it is null, then, unless angles is null,
+// three doubles {start, end, 0}. A bulge under tolValue gives radius 0 and
+// angles 0; the centre of such a segment (or of coincident points) is not a
+// number, so test the radius. Always returns 0.
+VORA_API int vora_bulge2arc(const double* p1, const double* p2, double bulge, double* centreRadius, double* angles);
+
+// Scalar form of vora_bulge2arc: returns the signed radius (0.0 for a bulge
+// under tolValue) and writes the non-null centre and angle outputs.
+VORA_API double vora_bulge2arcNET(double x1, double y1, double x2, double y2, double bulge, double* cx, double* cy,
+                                  double* startAngle, double* endAngle);
+
+// Splits the arc p1 -> p2 (bulge) into equal steps. The step comes from the
+// mid ordinate when midOrdinate > 0, else from maxChord when > 0, and is
+// replaced by maxAngle (radians, must be > 0) whenever maxAngle is not larger
+// or no chord rule applies. A non-zero maxCount caps the number of steps,
+// except when maxAngle set the step. Appends to out (when non-null) p1 as
+// given, the interior points (z = 0) and p2 as given; writes the step's true
+// mid ordinate to *deviation (when non-null). Returns what set the step:
+// 1 straight segment (nothing written), 2 mid ordinate, 4 maximum chord,
+// 8 maximum angle, 16 the count cap.
+VORA_API int vora_arc2pts(const double* p1, const double* p2, double bulge, double midOrdinate, double maxChord,
+                          double maxAngle, std::uint64_t maxCount, AcGePoint3dArray* out, double* deviation);
 
 #endif

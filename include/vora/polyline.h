@@ -52,4 +52,41 @@ VORA_API double vora_bulge2arcNET(double x1, double y1, double x2, double y2, do
 VORA_API int vora_arc2pts(const double* p1, const double* p2, double bulge, double midOrdinate, double maxChord,
                           double maxAngle, std::uint64_t maxCount, AcGePoint3dArray* out, double* deviation);
 
+// ---------------------------------------------------------------------------
+// Measuring 2D polylines with bulges.
+//
+// pts is the vertex list; bulges is null (all straight) or holds exactly one
+// bulge per vertex, entry i for the segment from vertex i. An open polyline of
+// n vertices has the n - 1 segments i -> i+1; a closed one also the segment
+// n-1 -> 0. A segment's length is its plan chord when straight, else its arc
+// length. A parameter k + t names the point at fraction t (of length) along
+// segment k. Fewer than 2 vertices or a bulge list of the wrong length makes
+// every function fail with its failure value. Inputs are never changed.
+
+// Total length. mode 2 measures straight segments in plan, mode 3 in space
+// (dz included), any other mode as 0, leaving only the arcs; arcs are always
+// measured in plan. Appends each segment's length to segLengths when it is
+// non-null (not cleared first; untouched on failure). Failure: 0.0.
+VORA_API double vora_plinelength(const AcGePoint3dArray* pts, const AcGeDoubleArray* bulges, bool closed, int mode,
+                                 AcGeDoubleArray* segLengths);
+
+// vora_plinelength in mode 2 without segment lengths.
+VORA_API double vora_plinelength2D(const AcGePoint3dArray* pts, const AcGeDoubleArray* bulges, bool closed);
+
+// Point at a parameter, through vora_ptDistPline2D; (0, 0, 0) on failure or
+// for a negative parameter. A parameter past the last segment gives the end.
+VORA_API AcGePoint3d vora_ptParamPline2D(const AcGePoint3dArray* pts, const AcGeDoubleArray* bulges, bool closed,
+                                         double param);
+
+// Point at distance dist along the polyline: returns the index of the segment
+// that holds it (the first whose end reaches dist) and writes x, y, z to
+// outPoint; returns -1 and writes nothing when dist is negative, beyond the
+// total, or falls on a segment not longer than tolPoint. On a straight segment
+// all three coordinates are interpolated. On an arc the point is written as
+// (cos t * R * cx, sin t * R * cy, z of the segment's first vertex), t taken
+// from the first angle of the arc's pair: exact only for arcs centred on the
+// origin and run counter-clockwise. Long-standing callers rely on this form.
+VORA_API std::int64_t vora_ptDistPline2D(const AcGePoint3dArray* pts, const AcGeDoubleArray* bulges, bool closed,
+                                         double dist, double* outPoint);
+
 #endif

@@ -3,6 +3,7 @@
 
 #include "geometry/bulge.h"
 #include "geometry/tolerance.h"
+#include "vora/distance.h"
 #include "vora/polyline.h"
 
 namespace vora {
@@ -79,6 +80,67 @@ VORA_API double vora_plinelength(const AcGePoint3dArray* pts, const AcGeDoubleAr
 
 VORA_API double vora_plinelength2D(const AcGePoint3dArray* pts, const AcGeDoubleArray* bulges, bool closed) {
   return vora_plinelength(pts, bulges, closed, 2, nullptr);
+}
+
+VORA_API double vora_paramPtPline2D(const AcGePoint3dArray* pts, const AcGeDoubleArray* bulges, bool closed,
+                                    const double* point, bool onlyOnPline) {
+  PlineView v;
+  if (!viewOf(pts, bulges, closed, v)) return -1.0;
+  bool found = false;
+  int bestSeg = 0;
+  double bestU = 0.0;
+  double bestD = 0.0;
+  for (int i = 0; i < v.segments; ++i) {
+    const AcGePoint3d& a = v.p[i];
+    const AcGePoint3d& b = v.p[v.next(i)];
+    const double pa[3] = {a.x, a.y, 0.0};
+    const double pb[3] = {b.x, b.y, 0.0};
+    const double bulge = v.bulge(i);
+    // A degenerate segment writes no parameter and so stays out of the race.
+    double u = -1.0;
+    double d = 0.0;
+    if (!(std::fabs(bulge) < tolValue())) {
+      double centreRadius[3];
+      double angles[3];
+      vora_bulge2arc(pa, pb, bulge, centreRadius, angles);
+      d = std::fabs(vora_distpointarcsigned(centreRadius, angles, point, nullptr, &u));
+    } else {
+      d = std::fabs(vora_distpointlinesigned(pa, pb, point, nullptr, &u));
+    }
+    if (onlyOnPline && !(d < tolPoint())) continue;
+    if (!(u > -tolValue() && u < 1.0 + tolValue())) continue;
+    if (found && !(d < bestD)) continue;
+    found = true;
+    bestSeg = i;
+    bestU = u;
+    bestD = d;
+  }
+  if (!found) return -1.0;
+
+  std::int64_t k = bestSeg;
+  double u = bestU;
+  if (u < 0.0) {
+    if (k == 0) {
+      u = 0.0;
+    } else {
+      k -= 1;
+      u += 1.0;
+    }
+  }
+  if (u >= 1.0) {
+    u -= 1.0;
+    k += 1;
+  }
+  return static_cast<double>(k) + u;
+}
+
+VORA_API double vora_distPtPline2D(const AcGePoint3dArray* pts, const AcGeDoubleArray* bulges, bool closed,
+                                   const double* point, bool onlyOnPline) {
+  const double param = vora_paramPtPline2D(pts, bulges, closed, point, onlyOnPline);
+  if (!(param > -0.5)) return -1.0;
+  PlineView v;
+  viewOf(pts, bulges, closed, v);
+  return distanceAtParam(v, param);
 }
 
 VORA_API AcGePoint3d vora_ptParamPline2D(const AcGePoint3dArray* pts, const AcGeDoubleArray* bulges, bool closed,

@@ -73,6 +73,18 @@ VORA_API double vora_plinelength(const AcGePoint3dArray* pts, const AcGeDoubleAr
 // vora_plinelength in mode 2 without segment lengths.
 VORA_API double vora_plinelength2D(const AcGePoint3dArray* pts, const AcGeDoubleArray* bulges, bool closed);
 
+// Parameter of the position on the polyline nearest to point (x, y read).
+// Only segments whose foot lies within the segment (tolValue margin) count,
+// and with onlyOnPline only those closer than tolPoint; on equal distances
+// the earlier segment wins, so a point on a vertex gets that vertex's index.
+// Returns -1.0 when no segment qualifies.
+VORA_API double vora_paramPtPline2D(const AcGePoint3dArray* pts, const AcGeDoubleArray* bulges, bool closed,
+                                    const double* point, bool onlyOnPline);
+
+// Distance along the polyline to the position vora_paramPtPline2D finds, or -1.0.
+VORA_API double vora_distPtPline2D(const AcGePoint3dArray* pts, const AcGeDoubleArray* bulges, bool closed,
+                                   const double* point, bool onlyOnPline);
+
 // Point at a parameter, through vora_ptDistPline2D; (0, 0, 0) on failure or
 // for a negative parameter. A parameter past the last segment gives the end.
 VORA_API AcGePoint3d vora_ptParamPline2D(const AcGePoint3dArray* pts, const AcGeDoubleArray* bulges, bool closed,

@@ -170,4 +170,83 @@ TEST(PlineMeasureProperties, TotalIsTheSumOfSegmentLengthsAndPointsLieOnTheirSeg
   }
 }
 
+TEST(ParamPtPline2D, VertexTiesGoToTheEarlierSegmentAndNormaliseToTheVertexIndex) {
+  const double onVertex[3] = {1, 0, 0};
+  EXPECT_EQ(vora_paramPtPline2D(&kSquare, nullptr, false, onVertex, true), 1.0);
+  const double onStart[3] = {0, 0, 0};
+  // Closed: segment 0 (u = 0) and the closing segment (u = 1) tie; segment 0 wins.
+  EXPECT_EQ(vora_paramPtPline2D(&kSquare, nullptr, true, onStart, true), 0.0);
+  // Open, at the last vertex: u = 1 on the last segment rolls over to index 3.
+  const double onEnd[3] = {0, 1, 0};
+  EXPECT_EQ(vora_paramPtPline2D(&kSquare, nullptr, false, onEnd, false), 3.0);
+  EXPECT_EQ(vora_distPtPline2D(&kSquare, nullptr, false, onEnd, false), 3.0);
+  // The centre is 0.5 from every edge: the first edge wins, at its middle.
+  const double centre[3] = {0.5, 0.5, 0};
+  EXPECT_EQ(vora_paramPtPline2D(&kSquare, nullptr, true, centre, false), 0.5);
+  // Just before vertex 0 on the first segment: within tolValue, pulled to 0.
+  const AcGePoint3dArray seg = points({{0, 0, 0}, {1, 0, 0}});
+  const double slightlyBefore[3] = {-5e-8, 0.25, 0};
+  EXPECT_EQ(vora_paramPtPline2D(&seg, nullptr, false, slightlyBefore, false), 0.0);
+}
+
+TEST(ParamPtPline2D, FeetOutsideTheSegmentsAndPointsOffTheLineFindNothing) {
+  const AcGePoint3dArray seg = points({{0, 0, 0}, {1, 0, 0}});
+  const double beyond[3] = {2, 0.5, 0};
+  EXPECT_EQ(vora_paramPtPline2D(&seg, nullptr, false, beyond, false), -1.0);
+  EXPECT_EQ(vora_distPtPline2D(&seg, nullptr, false, beyond, false), -1.0);
+  const double off[3] = {0.5, 0.001, 0};
+  EXPECT_EQ(vora_paramPtPline2D(&seg, nullptr, false, off, true), -1.0);
+  EXPECT_EQ(vora_paramPtPline2D(&seg, nullptr, false, off, false), 0.5);
+  const double on[3] = {0.25, 0, 0};
+  EXPECT_EQ(vora_distPtPline2D(&seg, nullptr, false, on, true), 0.25);
+  // A degenerate segment writes no parameter and never qualifies.
+  const AcGePoint3dArray dup = points({{0, 0, 0}, {0, 0, 0}});
+  EXPECT_EQ(vora_paramPtPline2D(&dup, nullptr, false, on, false), -1.0);
+  const AcGeDoubleArray wrong = doubles({0});
+  EXPECT_EQ(vora_paramPtPline2D(&seg, &wrong, false, on, false), -1.0);
+}
+
+TEST(ParamPtPline2D, ArcParametersRunFromTheFirstVertexInBothDirections) {
+  const AcGePoint3dArray half = points({{1, 0, 0}, {-1, 0, 0}});
+  const AcGeDoubleArray ccw = doubles({1, 0}), cw = doubles({-1, 0});
+  const double top[3] = {0, 2, 0}, bottom[3] = {0, -2, 0};
+  EXPECT_NEAR(vora_paramPtPline2D(&half, &ccw, false, top, false), 0.5, 1e-12);
+  EXPECT_NEAR(vora_distPtPline2D(&half, &ccw, false, top, false), kPi / 2, 1e-12);
+  EXPECT_NEAR(vora_paramPtPline2D(&half, &cw, false, bottom, false), 0.5, 1e-12);
+  // A quarter of the way along the clockwise arc from (1,0).
+  const double q[3] = {std::cos(-kPi / 4), std::sin(-kPi / 4), 0};
+  EXPECT_NEAR(vora_paramPtPline2D(&half, &cw, false, q, true), 0.25, 1e-12);
+  EXPECT_NEAR(vora_distPtPline2D(&half, &cw, false, q, true), kPi / 4, 1e-12);
+  // Closed, the arc above the chord lies farther from q than the closing
+  // chord from (-1,0) back to (1,0), which takes the point.
+  EXPECT_NEAR(vora_paramPtPline2D(&half, &ccw, true, q, false), 1.0 + (q[0] + 1) / 2, 1e-12);
+}
+
+TEST(PlineMeasureProperties, ParameterAndDistanceRoundTripOnStraightPolylines) {
+  const unsigned seed = 99;
+  std::mt19937_64 rng(seed);
+  std::uniform_real_distribution<double> coord(-100.0, 100.0);
+  std::uniform_real_distribution<double> unit(0.05, 0.95);
+  for (int round = 0; round < 40; ++round) {
+    SCOPED_TRACE(testing::Message() << "seed " << seed << " round " << round);
+    AcGePoint3dArray pts;
+    const int n = 2 + round % 9;
+    for (int i = 0; i < n; ++i) pts.append(AcGePoint3d(coord(rng), coord(rng), 0.0));
+    const int segments = n - 1;
+    const double param = static_cast<int>(unit(rng) * segments) + unit(rng);
+    const AcGePoint3d p = vora_ptParamPline2D(&pts, nullptr, false, param);
+    const double back = vora_paramPtPline2D(&pts, nullptr, false, &p.x, true);
+    // A crossing of two segments can hand the point to another segment.
+    if (std::fabs(back - param) > 1e-9) {
+      EXPECT_NE(static_cast<int>(back), static_cast<int>(param));
+      continue;
+    }
+    double out[3];
+    const double dist = vora_distPtPline2D(&pts, nullptr, false, &p.x, true);
+    EXPECT_EQ(vora_ptDistPline2D(&pts, nullptr, false, dist, out), static_cast<std::int64_t>(param));
+    EXPECT_NEAR(out[0], p.x, 1e-9);
+    EXPECT_NEAR(out[1], p.y, 1e-9);
+  }
+}
+
 }  // namespace

@@ -101,4 +101,31 @@ VORA_API AcGePoint3d vora_ptParamPline2D(const AcGePoint3dArray* pts, const AcGe
 VORA_API std::int64_t vora_ptDistPline2D(const AcGePoint3dArray* pts, const AcGeDoubleArray* bulges, bool closed,
                                          double dist, double* outPoint);
 
+// ---------------------------------------------------------------------------
+// Tessellation: arcs broken into pieces by the stepping rule of vora_arc2pts.
+
+// Flattens a packed 2D polyline, whose vertices carry their segment's bulge
+// in z, into chords: appends vertex 0 as stored, then for each segment either
+// the next vertex as stored (straight) or the arc's points after its first
+// (z = 0), stepped by the mid ordinate and never coarser than 22.5 degrees.
+// When closed, an arc closing segment adds its interior points only; a
+// straight one adds nothing. Output z is therefore a mix of stored bulges and
+// zeros. Returns the vertex count, or 0 (nothing appended) under 2 vertices.
+VORA_API int vora_tessellatepline(const AcGePoint3dArray* pts, bool closed, double midOrdinate, AcGePoint3dArray* out);
+
+// Splits each arc of a 3D polyline (arcs in plan, heights along them) into
+// equal sub-arcs with vora_arc2pts (midOrdinate, maxChord, maxAngle; with
+// minPieceLength > 0 the count is capped at arc length / minPieceLength + 1).
+// Appends vertex 0, then per segment the new vertices, with heights
+// interpolated by angle along each arc, and one bulge per vertex appended to
+// outBulges (the sub-arc bulge on every piece of an arc, 0 on straight
+// segments). A straight closing segment repeats vertex 0; an arc closing
+// segment does not. Writes the largest step mid ordinate to maxDeviation
+// (optional; 0 without arcs) and returns 1 or-ed with every arc's code.
+// Returns 1 and appends nothing when pts, bulges or outPts is null, the
+// counts differ or there is no vertex. outBulges is required.
+VORA_API int vora_tessellate3Dpline(const AcGePoint3dArray* pts, const AcGeDoubleArray* bulges, bool closed,
+                                    double midOrdinate, double maxChord, double maxAngle, double minPieceLength,
+                                    AcGePoint3dArray* outPts, AcGeDoubleArray* outBulges, double* maxDeviation);
+
 #endif

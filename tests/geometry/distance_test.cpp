@@ -1,7 +1,9 @@
 #include <gtest/gtest.h>
 
 #include <cmath>
+#include <ostream>
 #include <random>
+#include <string>
 
 #include "support/tolerance_guard.h"
 #include "vora/vora.h"
@@ -129,6 +131,8 @@ struct ArcCase {
   double px, py;
   double dist, param;
 };
+
+void PrintTo(const ArcCase& c, std::ostream* os) { *os << c.name; }
 
 class DistPointArc : public testing::TestWithParam<ArcCase> {};
 

@@ -47,4 +47,27 @@ VORA_API int vora_pointintriangle2d(const double* t0, const double* t1, const do
 // degenerate triangle) p is untouched.
 VORA_API int vora_pointintriangle3d(const double* t0, const double* t1, const double* t2, double* p);
 
+// The segment in which the plane cuts the triangle, ends in out1 and out2
+// (both required). A corner is on the plane when its signed distance is
+// within tol (strict). Unless skipTouching is non-zero, two corners on the
+// plane give that edge, and one corner on the plane with the others on one
+// side gives that corner twice (result 1, zero length). snap holds nine bytes
+// in three groups of three; corner k is snapped when byte k, k + 3 or k + 6
+// is non-zero, and a crossing computed on an edge towards a snapped corner is
+// replaced by that corner. Returns 1 when the section is longer than tol (or
+// on a corner contact); 0 otherwise. On 0 the outputs may hold partial ends.
+VORA_API int vora_intplanetriangle(const double* t0, const double* t1, const double* t2, const double* planePoint,
+                                   const double* normal, double* out1, double* out2, const unsigned char* snap,
+                                   unsigned char skipTouching, double tol);
+
+// The segment common to triangles A (a0, a1, a2) and B (b0, b1, b2): each is
+// cut by the other's plane, and the overlap of the two sections is written to
+// out1 and out2 (each optional), low end first along the dominant axis of B's
+// section. Corners closer than tol snap crossings onto them. Returns 1 when a
+// common segment was found, else 0 with out1 and out2 untouched. skipTouching
+// is passed on and also rejects an overlap shorter than tol.
+VORA_API int vora_inttriangletriangle(const double* a0, const double* a1, const double* a2, const double* b0,
+                                      const double* b1, const double* b2, double* out1, double* out2,
+                                      unsigned char skipTouching, double tol);
+
 #endif

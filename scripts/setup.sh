@@ -5,7 +5,7 @@
 set -euo pipefail
 
 packages=(
-  g++ clang cmake ninja-build pkg-config make
+  g++ clang libclang-rt-14-dev cmake ninja-build pkg-config make
   googletest libgtest-dev libgmock-dev libbenchmark-dev
   libpolyclipping-dev
   python3 python3-ezdxf

@@ -1,0 +1,167 @@
+#include <gtest/gtest.h>
+
+#include <cmath>
+#include <random>
+
+#include "geometry/tolerance.h"
+#include "vora/vora.h"
+
+namespace {
+
+using vora::kPi;
+
+AcGePoint3dArray pts(std::initializer_list<AcGePoint3d> list) {
+  AcGePoint3dArray a;
+  for (const AcGePoint3d& p : list) a.append(p);
+  return a;
+}
+
+AcGeDoubleArray bulges(std::initializer_list<double> list) {
+  AcGeDoubleArray a;
+  for (double b : list) a.append(b);
+  return a;
+}
+
+void expectVertices(const AcGePoint3dArray& got, std::initializer_list<AcGePoint3d> want) {
+  ASSERT_EQ(got.length(), static_cast<int>(want.size()));
+  int i = 0;
+  for (const AcGePoint3d& w : want) {
+    EXPECT_EQ(got[i].x, w.x) << i;
+    EXPECT_EQ(got[i].y, w.y) << i;
+    EXPECT_EQ(got[i].z, w.z) << i;
+    ++i;
+  }
+}
+
+TEST(SimplifyPoly2D, OpenListWithAndWithoutABulgeList) {
+  // Without bulges the vertex that moves into a removed vertex's place is
+  // skipped in this pass; with a bulge list it is examined again.
+  AcGePoint3dArray p = pts({{0, 0, 0}, {1, 0, 0}, {2, 0, 0}, {3, 0, 0}, {4, 1, 0}});
+  EXPECT_EQ(vora_simplifyPoly2D(&p, nullptr), 1);
+  expectVertices(p, {{0, 0, 0}, {2, 0, 0}, {3, 0, 0}, {4, 1, 0}});
+
+  AcGePoint3dArray q = pts({{0, 0, 0}, {1, 0, 0}, {2, 0, 0}, {3, 0, 0}, {4, 1, 0}});
+  AcGeDoubleArray b = bulges({0, 0, 0, 0, 0.5});
+  EXPECT_EQ(vora_simplifyPoly2D(&q, &b), 2);
+  expectVertices(q, {{0, 0, 0}, {3, 0, 0}, {4, 1, 0}});
+  EXPECT_EQ(b, bulges({0, 0, 0.5}));
+
+  // The first vertex of an open list stays, on the line or not; a list whose
+  // ends meet only in plan is open.
+  AcGePoint3dArray r = pts({{0, 0, 0}, {1, 0, 0}, {1, 1, 0}, {0, 1, 0}, {0, 0, 5}});
+  EXPECT_EQ(vora_simplifyPoly2D(&r, nullptr), 0);
+  EXPECT_EQ(r.length(), 5);
+
+  // Heights do not enter the line test, and kept vertices keep theirs.
+  AcGePoint3dArray h = pts({{0, 0, 1}, {1, 0, 50}, {2, 0, 3}});
+  EXPECT_EQ(vora_simplifyPoly2D(&h, nullptr), 1);
+  expectVertices(h, {{0, 0, 1}, {2, 0, 3}});
+}
+
+TEST(SimplifyPoly2D, RingsMayLoseTheirFirstVertex) {
+  AcGePoint3dArray p = pts({{0, 0, 0}, {0.5, 0, 0}, {1, 0, 0}, {1, 1, 0}, {0, 1, 0}, {0, 0, 0}});
+  EXPECT_EQ(vora_simplifyPoly2D(&p, nullptr), 1);
+  expectVertices(p, {{0, 0, 0}, {1, 0, 0}, {1, 1, 0}, {0, 1, 0}, {0, 0, 0}});
+
+  // First vertex mid-edge: it goes, and the ring is closed on the next one.
+  AcGePoint3dArray q = pts({{0.5, 0, 0}, {1, 0, 0}, {1, 1, 0}, {0, 1, 0}, {0, 0, 0}, {0.5, 0, 0}});
+  AcGeDoubleArray b = bulges({0, 0, 0.25, 0, 0, 0.75});
+  EXPECT_EQ(vora_simplifyPoly2D(&q, &b), 1);
+  expectVertices(q, {{1, 0, 0}, {1, 1, 0}, {0, 1, 0}, {0, 0, 0}, {1, 0, 0}});
+  EXPECT_EQ(b, bulges({0, 0.25, 0, 0, 0}));
+
+  // The same as an open list keeps its first vertex.
+  AcGePoint3dArray open = pts({{0.5, 0, 0}, {1, 0, 0}, {1, 1, 0}, {0, 1, 0}, {0, 0, 0}, {0.5, 0, 1}});
+  EXPECT_EQ(vora_simplifyPoly2D(&open, nullptr), 0);
+
+  // A ring of one point twice is left whole.
+  AcGePoint3dArray two = pts({{3, 3, 0}, {3, 3, 0}});
+  EXPECT_EQ(vora_simplifyPoly2D(&two, nullptr), 0);
+  EXPECT_EQ(two.length(), 2);
+}
+
+TEST(SimplifyPoly2D, ArcsOfOneCircleMerge) {
+  const double q = std::tan(kPi / 8);
+  AcGePoint3dArray p = pts({{1, 0, 0}, {0, 1, 0}, {-1, 0, 0}});
+  AcGeDoubleArray b = bulges({q, q, 0});
+  EXPECT_EQ(vora_simplifyPoly2D(&p, &b), 1);
+  expectVertices(p, {{1, 0, 0}, {-1, 0, 0}});
+  EXPECT_EQ(b[0], 1.0);
+  EXPECT_EQ(b[1], 0.0);
+
+  // Clockwise: the pairs are stored end first.
+  AcGePoint3dArray c = pts({{-1, 0, 0}, {0, 1, 0}, {1, 0, 0}});
+  AcGeDoubleArray cb = bulges({-q, -q, 0});
+  EXPECT_EQ(vora_simplifyPoly2D(&c, &cb), 1);
+  EXPECT_EQ(cb[0], -1.0);
+
+  // Three quarters merge into one arc of three quarters.
+  AcGePoint3dArray t = pts({{1, 0, 0}, {0, 1, 0}, {-1, 0, 0}, {0, -1, 0}});
+  AcGeDoubleArray tb = bulges({q, q, q, 0});
+  EXPECT_EQ(vora_simplifyPoly2D(&t, &tb), 2);
+  ASSERT_EQ(t.length(), 2);
+  EXPECT_NEAR(tb[0], std::tan(3 * kPi / 8), 1e-12);
+
+  // Opposite turning, other radius, or one arc and one line: kept.
+  AcGePoint3dArray o = pts({{1, 0, 0}, {0, 1, 0}, {-1, 2, 0}});
+  AcGeDoubleArray ob = bulges({q, -q, 0});
+  EXPECT_EQ(vora_simplifyPoly2D(&o, &ob), 0);
+  AcGePoint3dArray r = pts({{1, 0, 0}, {0, 1, 0}, {-2, 1, 0}});
+  AcGeDoubleArray rb = bulges({q, 0.3, 0});
+  EXPECT_EQ(vora_simplifyPoly2D(&r, &rb), 0);
+  AcGePoint3dArray m = pts({{0, 0, 0}, {1, 0, 0}, {2, 0, 0}});
+  AcGeDoubleArray mb = bulges({0.3, 0, 0});
+  EXPECT_EQ(vora_simplifyPoly2D(&m, &mb), 0);
+  EXPECT_EQ(m.length(), 3);
+}
+
+TEST(SimplifyPoly2D, BadInputChangesNothing) {
+  AcGePoint3dArray p = pts({{0, 0, 0}, {1, 0, 0}, {2, 0, 0}});
+  AcGeDoubleArray shortList = bulges({0, 0});
+  EXPECT_EQ(vora_simplifyPoly2D(&p, &shortList), 0);
+  EXPECT_EQ(p.length(), 3);
+  EXPECT_EQ(shortList.length(), 2);
+  AcGePoint3dArray empty;
+  EXPECT_EQ(vora_simplifyPoly2D(&empty, nullptr), 0);
+  AcGePoint3dArray one = pts({{1, 1, 1}});
+  EXPECT_EQ(vora_simplifyPoly2D(&one, nullptr), 0);
+}
+
+// Removing vertices on straight edges never changes the area of a ring, and
+// the bulge list keeps one entry per vertex.
+TEST(SimplifyPoly2D, KeepsTheAreaOfRingsWithCollinearVertices) {
+  std::mt19937_64 rng(1729);
+  std::uniform_real_distribution<double> radius(1.0, 10.0);
+  std::uniform_int_distribution<int> extra(0, 3);
+  for (int k = 0; k < 100; ++k) {
+    const int n = 3 + k % 7;
+    AcGePoint3dArray corners;
+    for (int i = 0; i < n; ++i) {
+      const double t = 2.0 * kPi * i / n, r = radius(rng);
+      corners.append(AcGePoint3d(std::round(r * std::cos(t) * 8) / 8, std::round(r * std::sin(t) * 8) / 8, 0));
+    }
+    AcGePoint3dArray ring;
+    for (int i = 0; i < n; ++i) {
+      const AcGePoint3d& a = corners[i];
+      const AcGePoint3d& b = corners[(i + 1) % n];
+      ring.append(a);
+      const int m = extra(rng);
+      for (int j = 1; j <= m; ++j) {
+        const double t = static_cast<double>(j) / (m + 1);
+        ring.append(AcGePoint3d(a.x + (b.x - a.x) * t, a.y + (b.y - a.y) * t, 0));
+      }
+    }
+    ring.append(ring.first());
+    AcGeDoubleArray b;
+    b.setLogicalLength(ring.length(), 0.0);
+    const double before = vora_polygonarea(&ring);
+    const int added = ring.length() - n - 1;
+    const int removed = vora_simplifyPoly2D(&ring, &b);
+    EXPECT_EQ(removed, added) << k;
+    EXPECT_EQ(ring.length(), b.length());
+    EXPECT_NEAR(vora_polygonarea(&ring), before, 1e-9 * std::fabs(before));
+    EXPECT_EQ(ring.first(), ring.last());
+  }
+}
+
+}  // namespace

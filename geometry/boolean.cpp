@@ -1,0 +1,234 @@
+#include <algorithm>
+#include <cmath>
+#include <cstdint>
+#include <limits>
+#include <vector>
+
+#include <polyclipping/clipper.hpp>
+
+#include "geometry/boolean_match.h"
+#include "vora/distance.h"
+#include "vora/polygon.h"
+
+namespace vora {
+
+namespace {
+
+// The clipping grid: 1e-9 drawing units relative to the first subject vertex,
+// fine enough for survey coordinates and far inside the 64-bit range.
+constexpr double kGridStep = 1e-9;
+// A result vertex this close (in x and in y, strictly) to an input vertex is
+// that input vertex: a little more than the grid step, so the truncation to
+// the grid never separates a vertex from its own input.
+constexpr double kMatchDistance = 1e-8;
+
+using PolygonSet = AcArray<AcGePoint3dArray>;
+
+ClipperLib::Path toGridPath(const AcGePoint3dArray& polygon, double x0, double y0) {
+  ClipperLib::Path path;
+  path.reserve(static_cast<std::size_t>(polygon.length()));
+  for (const AcGePoint3d& p : polygon)
+    path.emplace_back(static_cast<ClipperLib::cInt>((p.x - x0) / kGridStep),
+                      static_cast<ClipperLib::cInt>((p.y - y0) / kGridStep));
+  return path;
+}
+
+// A line from vertex `a` of a polygon to its vertex 0. Which vertex is `a` is
+// the number of polygons in the polygon's set less one, not anything about
+// the polygon itself. Callers have relied on the heights this gives for a long
+// time, so the choice stays; a polygon too short to have that vertex offers no
+// line.
+struct ReferenceLine {
+  const AcGePoint3d* a;
+  const AcGePoint3d* b;
+};
+
+void collectReferenceLines(const PolygonSet* set, std::vector<ReferenceLine>& lines) {
+  if (set == nullptr) return;
+  const int a = set->length() - 1;
+  for (const AcGePoint3dArray& polygon : *set) {
+    if (polygon.isEmpty() || a >= polygon.length()) continue;
+    lines.push_back({&polygon[a], &polygon[0]});
+  }
+}
+
+// Places a result vertex that is no input vertex: on the nearest reference
+// line, at the height of that line's first vertex.
+AcGePoint3d placeOnReferenceLines(double x, double y, const std::vector<ReferenceLine>& lines) {
+  const AcGePoint3d p(x, y, 0.0);
+  // A degenerate line writes no foot; its candidate then carries the foot of
+  // the line before it, or the vertex itself when there was none.
+  AcGePoint3d foot = p;
+  bool haveBest = false;
+  double bestDistance = 0.0;
+  AcGePoint3d bestFoot = p;
+  double bestHeight = -1.0;
+  for (const ReferenceLine& line : lines) {
+    const double d = vora_distpointline(&line.a->x, &line.b->x, &p.x, &foot.x, nullptr);
+    if (!haveBest || d < bestDistance) {
+      haveBest = true;
+      bestDistance = d;
+      bestFoot = foot;
+      bestHeight = line.a->z;
+    }
+  }
+  // -1 marks "no line found"; any height at or under -0.5 is read the same way.
+  if (bestHeight > -0.5) return {bestFoot.x, bestFoot.y, bestHeight};
+  return p;
+}
+
+}  // namespace
+
+// ---- Input vertex index -----------------------------------------------------
+
+namespace {
+
+std::uint64_t mixCell(std::int64_t kx, std::int64_t ky) {
+  std::uint64_t h = static_cast<std::uint64_t>(kx) * 0x9E3779B97F4A7C15ull;
+  h ^= static_cast<std::uint64_t>(ky) + 0x7F4A7C159E3779B9ull + (h << 6) + (h >> 2);
+  h ^= h >> 31;
+  h *= 0xBF58476D1CE4E5B9ull;
+  h ^= h >> 29;
+  return h;
+}
+
+}  // namespace
+
+VertexIndex::VertexIndex(const PolygonSet* subjects, const PolygonSet* clips) {
+  std::size_t n = 0;
+  for (const PolygonSet* set : {subjects, clips})
+    if (set != nullptr)
+      for (const AcGePoint3dArray& polygon : *set) n += static_cast<std::size_t>(polygon.length());
+  points_.reserve(n);
+  double magnitude = 0.0;
+  for (const PolygonSet* set : {subjects, clips}) {
+    if (set == nullptr) continue;
+    for (const AcGePoint3dArray& polygon : *set)
+      for (const AcGePoint3d& p : polygon) {
+        points_.push_back(&p);
+        if (std::isfinite(p.x)) magnitude = std::max(magnitude, std::fabs(p.x));
+        if (std::isfinite(p.y)) magnitude = std::max(magnitude, std::fabs(p.y));
+      }
+  }
+  // Cells a little wider than the match distance, and wide enough that the
+  // cell number of any coordinate of this magnitude is computed with a
+  // rounding error far below one cell.
+  cell_ = std::max(kMinCell, std::ldexp(magnitude, -40));
+
+  std::size_t slots = 16;
+  while (slots < 2 * n) slots *= 2;
+  slotMask_ = slots - 1;
+  slots_.assign(slots, Slot{0, 0, -1, false});
+  next_.assign(n, -1);
+  // Inserted from the last vertex to the first, so that every cell's chain
+  // lists its vertices in input order.
+  for (std::size_t i = n; i-- > 0;) {
+    const AcGePoint3d& p = *points_[i];
+    // A vertex with a coordinate that is not finite never passes the match test.
+    if (!std::isfinite(p.x) || !std::isfinite(p.y)) continue;
+    const std::int64_t kx = cellOf(p.x), ky = cellOf(p.y);
+    Slot& slot = slots_[slotOf(kx, ky)];
+    if (!slot.used) slot = Slot{kx, ky, -1, true};
+    next_[i] = slot.head;
+    slot.head = static_cast<std::int64_t>(i);
+  }
+}
+
+std::int64_t VertexIndex::cellOf(double v) const {
+  // Monotone in v (a correctly rounded division, floor, clamp), which is what
+  // makes the search below exact.
+  constexpr double kLimit = 4611686018427387904.0;  // 2^62
+  const double c = std::floor(v / cell_);
+  if (!(c > -kLimit)) return -(std::int64_t{1} << 62);
+  if (c > kLimit) return std::int64_t{1} << 62;
+  return static_cast<std::int64_t>(c);
+}
+
+// The slot of the cell, or the free slot where it would go.
+std::size_t VertexIndex::slotOf(std::int64_t kx, std::int64_t ky) const {
+  std::size_t i = static_cast<std::size_t>(mixCell(kx, ky)) & slotMask_;
+  while (slots_[i].used && (slots_[i].kx != kx || slots_[i].ky != ky)) i = (i + 1) & slotMask_;
+  return i;
+}
+
+bool VertexIndex::matches(std::int64_t v, double x, double y) const {
+  const AcGePoint3d& p = *points_[static_cast<std::size_t>(v)];
+  return std::fabs(p.x - x) < kMatchDistance && std::fabs(p.y - y) < kMatchDistance;
+}
+
+const AcGePoint3d* VertexIndex::find(double x, double y) const {
+  // Any vertex that passes the match test lies strictly within kMatchDistance
+  // of (x, y) in real arithmetic (rounding is monotone and the bound is a
+  // double). The interval is widened by two ulps each side to cover the
+  // rounding of the bounds themselves.
+  const double inf = std::numeric_limits<double>::infinity();
+  const double xlo = std::nextafter(std::nextafter(x - kMatchDistance, -inf), -inf);
+  const double xhi = std::nextafter(std::nextafter(x + kMatchDistance, inf), inf);
+  const double ylo = std::nextafter(std::nextafter(y - kMatchDistance, -inf), -inf);
+  const double yhi = std::nextafter(std::nextafter(y + kMatchDistance, inf), inf);
+  const std::int64_t kx0 = cellOf(xlo), kx1 = cellOf(xhi);
+  const std::int64_t ky0 = cellOf(ylo), ky1 = cellOf(yhi);
+  std::int64_t best = -1;
+  if (kx1 - kx0 > kMaxCellSpan || ky1 - ky0 > kMaxCellSpan) {
+    // Only for coordinates far outside the inputs' magnitude: scan.
+    for (std::size_t i = 0; i < points_.size(); ++i)
+      if (matches(static_cast<std::int64_t>(i), x, y)) return points_[i];
+    return nullptr;
+  }
+  for (std::int64_t kx = kx0; kx <= kx1; ++kx)
+    for (std::int64_t ky = ky0; ky <= ky1; ++ky) {
+      const Slot& s = slots_[slotOf(kx, ky)];
+      if (!s.used) continue;
+      for (std::int64_t v = s.head; v >= 0 && (best < 0 || v < best); v = next_[static_cast<std::size_t>(v)])
+        if (matches(v, x, y)) {
+          best = v;
+          break;
+        }
+    }
+  return best < 0 ? nullptr : points_[static_cast<std::size_t>(best)];
+}
+
+}  // namespace vora
+
+using namespace vora;
+
+VORA_API int vora_polygonOperation(int flags, const AcArray<AcGePoint3dArray>* subjects, const void* /*reserved*/,
+                                   const AcArray<AcGePoint3dArray>* clips, AcArray<AcGePoint3dArray>* result) {
+  if ((flags & 0x10) == 0) return 0;
+  if (subjects == nullptr || subjects->isEmpty() || subjects->first().isEmpty()) return 0;
+  const double x0 = subjects->first().first().x;
+  const double y0 = subjects->first().first().y;
+
+  ClipperLib::Clipper clipper;
+  for (const AcGePoint3dArray& polygon : *subjects)
+    clipper.AddPath(toGridPath(polygon, x0, y0), ClipperLib::ptSubject, true);
+  if (clips != nullptr)
+    for (const AcGePoint3dArray& polygon : *clips)
+      clipper.AddPath(toGridPath(polygon, x0, y0), ClipperLib::ptClip, true);
+  // Only union and intersection are offered: the two low bits select nothing else.
+  const ClipperLib::ClipType op = (flags & 3) == 0 ? ClipperLib::ctUnion : ClipperLib::ctIntersection;
+  ClipperLib::Paths solution;
+  if (!clipper.Execute(op, solution, ClipperLib::pftEvenOdd, ClipperLib::pftEvenOdd) || solution.empty()) return 0;
+  if (result == nullptr) return 1;
+
+  VertexIndex index(subjects, clips);
+  std::vector<ReferenceLine> lines;
+  collectReferenceLines(subjects, lines);
+  collectReferenceLines(clips, lines);
+
+  for (const ClipperLib::Path& path : solution) {
+    if (path.empty()) continue;
+    const int slot = result->append(AcGePoint3dArray());
+    AcGePoint3dArray& out = (*result)[slot];
+    out.setPhysicalLength(static_cast<int>(path.size()));
+    for (const ClipperLib::IntPoint& q : path) {
+      const double x = static_cast<double>(q.X) * kGridStep + x0;
+      const double y = static_cast<double>(q.Y) * kGridStep + y0;
+      if (const AcGePoint3d* input = index.find(x, y))
+        out.append(*input);
+      else
+        out.append(placeOnReferenceLines(x, y, lines));
+    }
+  }
+  return 1;
+}

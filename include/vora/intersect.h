@@ -27,7 +27,8 @@ VORA_API int vora_intlineline(const double* a1, const double* b1, const double* 
 // nothing is written.
 // A tangent point on a bounded segment is tested against the segment's
 // coordinate range as given from a to b, so it is found only when the tested
-// coordinate (x when b.x - a.x > b.y - a.y, else y) increases from a to b.
+// coordinate (x when b.x - a.x > b.y - a.y, else y) does not decrease from a
+// to b.
 VORA_API int vora_intlinecircle(const double* a, const double* b, const double* centre, double radius,
                                 double* out1, double* out2, unsigned char infinite);
 

@@ -128,4 +128,22 @@ VORA_API int vora_tessellate3Dpline(const AcGePoint3dArray* pts, const AcGeDoubl
                                     double midOrdinate, double maxChord, double maxAngle, double minPieceLength,
                                     AcGePoint3dArray* outPts, AcGeDoubleArray* outBulges, double* maxDeviation);
 
+// ---------------------------------------------------------------------------
+// Point insertion into 3D polylines with bulges.
+
+// Inserts a vertex at plan distance dist along the polyline (segment lengths
+// as vora_plinelength in plan) and appends the result to outPts/outBulges:
+// vertices before the segment, its start vertex with its new bulge, the new
+// vertex (height interpolated along the segment; on an arc, on the circle,
+// the two parts keeping the circle with their own bulges), then the rest.
+// Returns the index of the new vertex. Without an insertion the outputs
+// receive copies of the input and the result is: 0 for |dist| < tolValue;
+// n - 1 for dist within tolValue of the total (closed polylines included);
+// the vertex index when dist lands within tolPoint of a vertex (a distance on
+// a vertex belongs to the segment starting there); -1 for a negative dist, a
+// dist beyond the total or fewer than 2 vertices. All four arrays are
+// required; bulges must hold one entry per vertex.
+VORA_API std::int64_t vora_addpoint3Dpline(const AcGePoint3dArray* pts, const AcGeDoubleArray* bulges, bool closed,
+                                           double dist, AcGePoint3dArray* outPts, AcGeDoubleArray* outBulges);
+
 #endif

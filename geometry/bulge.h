@@ -5,6 +5,7 @@
 #ifndef VORA_GEOMETRY_BULGE_H
 #define VORA_GEOMETRY_BULGE_H
 
+#include <algorithm>
 #include <cmath>
 #include <cstdint>
 
@@ -54,6 +55,24 @@ inline double arcLengthFromChord(double chord, double bulge) {
 // arc-stepping rule: NaN and negatives give 0, values past the range give the
 // largest count.
 std::uint64_t toStepCount(double value);
+
+
+// Makes room for extra more elements in an output array. The array's own
+// growth adds fixed 1 MiB steps once it is past that size, which makes
+// filling it with millions of points quadratic; room is taken here in
+// doublings instead, so that appending stays linear. Only the capacity
+// changes: contents and length are untouched.
+template <class T>
+void reserveRoom(AcArray<T>& a, long extra) {
+  const long need = static_cast<long>(a.length()) + extra;
+  const long have = a.physicalLength();
+  if (need <= have) return;
+  constexpr long kMax = 0x7fffffffL;
+  long want = std::max(need, 2 * have);
+  if (want > kMax) want = std::max(need, kMax);
+  if (want > kMax) return;  // beyond an int length: leave it to the array
+  a.setPhysicalLength(static_cast<int>(want));
+}
 
 }  // namespace vora
 

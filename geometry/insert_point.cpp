@@ -110,6 +110,8 @@ VORA_API std::int64_t vora_addpoint3Dpline(const AcGePoint3dArray* pts, const Ac
     bulgeQ = after;
   }
 
+  reserveRoom(*outPts, n + 1);
+  reserveRoom(*outBulges, n + 1);
   for (int i = 0; i < k; ++i) {
     outPts->append(p[i]);
     outBulges->append(bulge[i]);

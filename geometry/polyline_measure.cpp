@@ -55,6 +55,7 @@ VORA_API double vora_plinelength(const AcGePoint3dArray* pts, const AcGeDoubleAr
                                  AcGeDoubleArray* segLengths) {
   PlineView v;
   if (!viewOf(pts, bulges, closed, v)) return 0.0;
+  if (segLengths != nullptr) reserveRoom(*segLengths, v.segments);
   double total = 0.0;
   for (int i = 0; i < v.segments; ++i) {
     const AcGePoint3d& a = v.p[i];

@@ -16,6 +16,7 @@ constexpr std::uint64_t kNoCountCap = std::numeric_limits<std::uint64_t>::max();
 
 // Appends scratch[from .. length - 1 - dropLast] to out.
 void appendRange(AcGePoint3dArray& out, const AcGePoint3dArray& scratch, int from, int dropLast) {
+  reserveRoom(out, scratch.length() - from - dropLast);
   for (int k = from; k < scratch.length() - dropLast; ++k) out.append(scratch[k]);
 }
 
@@ -30,6 +31,7 @@ VORA_API int vora_tessellatepline(const AcGePoint3dArray* pts, bool closed, doub
   const AcGePoint3d* p = pts->asArrayPtr();
   // One scratch list for all arcs: it is emptied, not reallocated, per arc.
   AcGePoint3dArray scratch;
+  reserveRoom(*out, n);
   out->append(p[0]);
   for (int i = 0; i + 1 < n; ++i) {
     const double b = p[i].z;
@@ -72,6 +74,8 @@ VORA_API int vora_tessellate3Dpline(const AcGePoint3dArray* pts, const AcGeDoubl
   int result = 1;
   double worst = 0.0;
   AcGePoint3dArray scratch;
+  reserveRoom(*outPts, n + 1);
+  reserveRoom(*outBulges, n + 1);
   outPts->append(p[0]);
   outBulges->append(0.0);
   for (int i = 0; i <= last; ++i) {
@@ -130,6 +134,7 @@ VORA_API int vora_tessellate3Dpline(const AcGePoint3dArray* pts, const AcGeDoubl
     }
     const int dropLast = j == 0 ? 1 : 0;
     outBulges->last() = subBulge;
+    reserveRoom(*outBulges, m);
     for (int k = 1; k < m - dropLast; ++k) outBulges->append(subBulge);
     appendRange(*outPts, scratch, 1, dropLast);
   }

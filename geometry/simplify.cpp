@@ -51,48 +51,64 @@ VORA_API int vora_simplifyPoly2D(AcGePoint3dArray* pts, AcGeDoubleArray* bulges)
   const bool ring = pts->first().distanceTo(pts->last()) < tolPoint();
 
   int removed = 0;
-  for (std::int64_t i = 0; i < static_cast<std::int64_t>(pts->length()) - 1; ++i) {
-    const std::int64_t count = pts->length();
-    std::int64_t prev = 0;
-    std::int64_t next = 0;
-    if (i == 0) {
-      // A ring of two vertices (one point twice) has nothing to take away
-      // without losing the ring itself.
-      if (!ring || count < 3) continue;
-      prev = count - 2;
-      next = 1;
-    } else {
-      prev = i - 1;
-      next = i + 1;
-    }
-    const int ip = static_cast<int>(prev), ii = static_cast<int>(i), in = static_cast<int>(next);
-    const double bPrev = bulges != nullptr ? (*bulges)[ip] : 0.0;
-    const double bAt = bulges != nullptr ? (*bulges)[ii] : 0.0;
+  // Vertex 0 is examined first and only once; in a ring it sits between the
+  // last-but-one vertex and vertex 1. A ring of one point twice is left whole
+  // rather than emptied.
+  if (ring && n0 >= 3) {
+    const int prev = static_cast<int>(n0 - 2);
     double merged = 0.0;
-    if (!mergedBulge((*pts)[ip], (*pts)[ii], (*pts)[in], bPrev, bAt, merged)) continue;
-
-    ++removed;
-    if (i > 0) {
-      pts->removeAt(ii);
-      if (bulges != nullptr) {
-        (*bulges)[ip] = merged;
-        bulges->removeAt(ii);
-        // Examine the vertex that moved into place i. Without a bulge list it
-        // is skipped in this pass; callers see both behaviours and keep them.
-        --i;
-      }
-    } else {
+    if (mergedBulge((*pts)[prev], (*pts)[0], (*pts)[1], bulges != nullptr ? (*bulges)[prev] : 0.0,
+                    bulges != nullptr ? (*bulges)[0] : 0.0, merged)) {
+      ++removed;
       // Open the ring, drop vertex 0 and close it again on the next vertex.
       pts->removeLast();
       pts->removeAt(0);
       pts->append(pts->first());
       if (bulges != nullptr) {
-        (*bulges)[ip] = merged;
+        (*bulges)[prev] = merged;
         bulges->removeLast();
         bulges->removeAt(0);
         bulges->append(bulges->first());
       }
     }
   }
+
+  // The rest of the pass visits vertices 1 .. n-2 of the list as it shrinks.
+  // Kept vertices are compacted to the front (the first `kept` places), which
+  // gives the list the pass would see after each removal without shifting the
+  // tail every time: the vertex examined is at `at`, its neighbours are the
+  // last kept vertex and the vertex after `at`.
+  const std::int64_t n = pts->length();
+  AcGePoint3d* p = pts->asArrayPtr();
+  double* b = bulges != nullptr ? bulges->asArrayPtr() : nullptr;
+  std::int64_t kept = 1;
+  std::int64_t at = 1;
+  while (at < n - 1) {
+    const std::int64_t prev = kept - 1;
+    double merged = 0.0;
+    if (mergedBulge(p[prev], p[at], p[at + 1], b != nullptr ? b[prev] : 0.0, b != nullptr ? b[at] : 0.0, merged)) {
+      ++removed;
+      ++at;
+      if (b != nullptr) {
+        b[prev] = merged;
+      } else {
+        // Without a bulge list the vertex that moves into the removed one's
+        // place is not examined in this pass. Callers see both behaviours and
+        // keep them.
+        p[kept++] = p[at++];
+      }
+      continue;
+    }
+    p[kept] = p[at];
+    if (b != nullptr) b[kept] = b[at];
+    ++kept;
+    ++at;
+  }
+  for (; at < n; ++at, ++kept) {
+    p[kept] = p[at];
+    if (b != nullptr) b[kept] = b[at];
+  }
+  pts->setLogicalLength(static_cast<int>(kept));
+  if (bulges != nullptr) bulges->setLogicalLength(static_cast<int>(kept));
   return removed;
 }

@@ -58,6 +58,32 @@ TEST(SimplifyPoly2D, OpenListWithAndWithoutABulgeList) {
   expectVertices(h, {{0, 0, 1}, {2, 0, 3}});
 }
 
+TEST(SimplifyPoly2D, LongStraightRunsWithAndWithoutABulgeList) {
+  for (int k = 1; k < 12; ++k) {
+    AcGePoint3dArray line;
+    for (int i = 0; i <= k + 1; ++i) line.append(AcGePoint3d(i, 2.0 * i, i));
+    line.append(AcGePoint3d(k + 1, 0, 0));  // a corner, then the end
+    AcGePoint3dArray withBulges = line;
+    AcGeDoubleArray b;
+    b.setLogicalLength(line.length(), 0.0);
+    b[k + 2] = 0.5;
+    EXPECT_EQ(vora_simplifyPoly2D(&withBulges, &b), k);
+    ASSERT_EQ(withBulges.length(), 3);
+    EXPECT_EQ(withBulges[1].x, k + 1);
+    EXPECT_EQ(b[1], 0.0);
+    EXPECT_EQ(b[2], 0.5);
+    // Without bulges every other vertex of the run is skipped: 1, 3, 5, ... go.
+    const AcGePoint3dArray before = line;
+    EXPECT_EQ(vora_simplifyPoly2D(&line, nullptr), (k + 1) / 2);
+    ASSERT_EQ(line.length(), before.length() - (k + 1) / 2);
+    for (int i = 0; i < line.length(); ++i) {
+      const int from = i <= k / 2 ? 2 * i : i + (k + 1) / 2;
+      EXPECT_EQ(line[i].z, before[from].z) << k << " " << i;
+      EXPECT_EQ(line[i].x, before[from].x) << k << " " << i;
+    }
+  }
+}
+
 TEST(SimplifyPoly2D, RingsMayLoseTheirFirstVertex) {
   AcGePoint3dArray p = pts({{0, 0, 0}, {0.5, 0, 0}, {1, 0, 0}, {1, 1, 0}, {0, 1, 0}, {0, 0, 0}});
   EXPECT_EQ(vora_simplifyPoly2D(&p, nullptr), 1);

@@ -73,8 +73,16 @@ VORA_API void vora_getBoundingBox3P(const double* p1, const double* p2, const do
 
 VORA_API void vora_getBoundingBoxA(const AcGePoint3dArray* pts, double* min, double* max) {
   if (pts->isEmpty()) return;
-  setBox(&pts->first().x, min, max);
-  for (const AcGePoint3d& p : *pts) vora_addBoundingBoxP(&p.x, min, max);
+  // Widened in locals and written once: the same strict comparisons as
+  // vora_addBoundingBoxP, without a store through the caller's pointers per
+  // vertex.
+  double lo[3] = {pts->first().x, pts->first().y, pts->first().z};
+  double hi[3] = {lo[0], lo[1], lo[2]};
+  for (const AcGePoint3d& p : *pts) vora_addBoundingBoxP(&p.x, lo, hi);
+  for (int k = 0; k < 3; ++k) {
+    min[k] = lo[k];
+    max[k] = hi[k];
+  }
 }
 
 VORA_API void vora_getBoundingBox2PB(const double* p1, const double* p2, double bulge, double* min, double* max) {

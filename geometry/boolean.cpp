@@ -110,82 +110,93 @@ VertexIndex::VertexIndex(const PolygonSet* subjects, const PolygonSet* clips) {
         if (std::isfinite(p.y)) magnitude = std::max(magnitude, std::fabs(p.y));
       }
   }
-  // Cells a little wider than the match distance, and wide enough that the
-  // cell number of any coordinate of this magnitude is computed with a
-  // rounding error far below one cell.
-  cell_ = std::max(kMinCell, std::ldexp(magnitude, -40));
+  // Beyond what 32-bit positions can index, every query scans.
+  if (n >= std::numeric_limits<std::uint32_t>::max()) return;
+  // Cells wide enough that the cell number of a coordinate of this magnitude
+  // is computed with a rounding error far below one cell.
+  inverseCell_ = 1.0 / std::max(kMinCell, std::ldexp(magnitude, -40));
 
-  std::size_t slots = 16;
-  while (slots < 2 * n) slots *= 2;
-  slotMask_ = slots - 1;
-  slots_.assign(slots, Slot{0, 0, -1, false});
-  next_.assign(n, -1);
-  // Inserted from the last vertex to the first, so that every cell's chain
-  // lists its vertices in input order.
-  for (std::size_t i = n; i-- > 0;) {
+  // Buckets in compressed form: count, running sum, then a fill in input
+  // order, so every bucket lists its vertices in input order.
+  std::size_t buckets = 16;
+  while (buckets < n) buckets *= 2;
+  bucketMask_ = buckets - 1;
+  ends_.assign(buckets, 0);
+  std::vector<std::uint32_t> bucketOfVertex(n);
+  constexpr std::uint32_t kNone = std::numeric_limits<std::uint32_t>::max();
+  for (std::size_t i = 0; i < n; ++i) {
     const AcGePoint3d& p = *points_[i];
     // A vertex with a coordinate that is not finite never passes the match test.
-    if (!std::isfinite(p.x) || !std::isfinite(p.y)) continue;
-    const std::int64_t kx = cellOf(p.x), ky = cellOf(p.y);
-    Slot& slot = slots_[slotOf(kx, ky)];
-    if (!slot.used) slot = Slot{kx, ky, -1, true};
-    next_[i] = slot.head;
-    slot.head = static_cast<std::int64_t>(i);
+    if (!std::isfinite(p.x) || !std::isfinite(p.y)) {
+      bucketOfVertex[i] = kNone;
+      continue;
+    }
+    const std::size_t b = bucketOf(cellOf(p.x), cellOf(p.y));
+    bucketOfVertex[i] = static_cast<std::uint32_t>(b);
+    ++ends_[b];
+  }
+  std::uint32_t sum = 0;
+  for (std::uint32_t& e : ends_) {
+    const std::uint32_t count = e;
+    e = sum;  // for now the start of the bucket; the fill moves it to the end
+    sum += count;
+  }
+  entries_.resize(sum);
+  for (std::size_t i = 0; i < n; ++i) {
+    if (bucketOfVertex[i] == kNone) continue;
+    const AcGePoint3d& p = *points_[i];
+    entries_[ends_[bucketOfVertex[i]]++] = Entry{p.x, p.y, static_cast<std::uint32_t>(i)};
   }
 }
 
 std::int64_t VertexIndex::cellOf(double v) const {
-  // Monotone in v (a correctly rounded division, floor, clamp), which is what
-  // makes the search below exact.
+  // Monotone in v (a correctly rounded product by a positive constant, floor,
+  // clamp), which is what makes the search below exact.
   constexpr double kLimit = 4611686018427387904.0;  // 2^62
-  const double c = std::floor(v / cell_);
+  const double c = std::floor(v * inverseCell_);
   if (!(c > -kLimit)) return -(std::int64_t{1} << 62);
   if (c > kLimit) return std::int64_t{1} << 62;
   return static_cast<std::int64_t>(c);
 }
 
-// The slot of the cell, or the free slot where it would go.
-std::size_t VertexIndex::slotOf(std::int64_t kx, std::int64_t ky) const {
-  std::size_t i = static_cast<std::size_t>(mixCell(kx, ky)) & slotMask_;
-  while (slots_[i].used && (slots_[i].kx != kx || slots_[i].ky != ky)) i = (i + 1) & slotMask_;
-  return i;
+std::size_t VertexIndex::bucketOf(std::int64_t kx, std::int64_t ky) const {
+  return static_cast<std::size_t>(mixCell(kx, ky)) & bucketMask_;
 }
 
-bool VertexIndex::matches(std::int64_t v, double x, double y) const {
-  const AcGePoint3d& p = *points_[static_cast<std::size_t>(v)];
-  return std::fabs(p.x - x) < kMatchDistance && std::fabs(p.y - y) < kMatchDistance;
+const AcGePoint3d* VertexIndex::scan(double x, double y) const {
+  for (const AcGePoint3d* p : points_)
+    if (std::fabs(p->x - x) < kMatchDistance && std::fabs(p->y - y) < kMatchDistance) return p;
+  return nullptr;
 }
 
 const AcGePoint3d* VertexIndex::find(double x, double y) const {
+  if (ends_.empty()) return scan(x, y);
   // Any vertex that passes the match test lies strictly within kMatchDistance
   // of (x, y) in real arithmetic (rounding is monotone and the bound is a
-  // double). The interval is widened by two ulps each side to cover the
-  // rounding of the bounds themselves.
-  const double inf = std::numeric_limits<double>::infinity();
-  const double xlo = std::nextafter(std::nextafter(x - kMatchDistance, -inf), -inf);
-  const double xhi = std::nextafter(std::nextafter(x + kMatchDistance, inf), inf);
-  const double ylo = std::nextafter(std::nextafter(y - kMatchDistance, -inf), -inf);
-  const double yhi = std::nextafter(std::nextafter(y + kMatchDistance, inf), inf);
-  const std::int64_t kx0 = cellOf(xlo), kx1 = cellOf(xhi);
-  const std::int64_t ky0 = cellOf(ylo), ky1 = cellOf(yhi);
-  std::int64_t best = -1;
-  if (kx1 - kx0 > kMaxCellSpan || ky1 - ky0 > kMaxCellSpan) {
-    // Only for coordinates far outside the inputs' magnitude: scan.
-    for (std::size_t i = 0; i < points_.size(); ++i)
-      if (matches(static_cast<std::int64_t>(i), x, y)) return points_[i];
-    return nullptr;
-  }
+  // double). The interval searched is that one widened by far more than the
+  // rounding of its bounds: 2^-50 of the magnitude is at least four ulps,
+  // and 1e-20 covers the rounding near zero.
+  const double mx = std::fabs(x) * 0x1p-50 + 1e-20;
+  const double my = std::fabs(y) * 0x1p-50 + 1e-20;
+  const std::int64_t kx0 = cellOf((x - kMatchDistance) - mx), kx1 = cellOf((x + kMatchDistance) + mx);
+  const std::int64_t ky0 = cellOf((y - kMatchDistance) - my), ky1 = cellOf((y + kMatchDistance) + my);
+  // Only for coordinates far outside the inputs' magnitude.
+  if (kx1 - kx0 > kMaxCellSpan || ky1 - ky0 > kMaxCellSpan) return scan(x, y);
+  std::uint32_t best = std::numeric_limits<std::uint32_t>::max();
   for (std::int64_t kx = kx0; kx <= kx1; ++kx)
     for (std::int64_t ky = ky0; ky <= ky1; ++ky) {
-      const Slot& s = slots_[slotOf(kx, ky)];
-      if (!s.used) continue;
-      for (std::int64_t v = s.head; v >= 0 && (best < 0 || v < best); v = next_[static_cast<std::size_t>(v)])
-        if (matches(v, x, y)) {
-          best = v;
+      const std::size_t b = bucketOf(kx, ky);
+      const std::uint32_t end = ends_[b];
+      for (std::uint32_t e = b == 0 ? 0 : ends_[b - 1]; e < end; ++e) {
+        const Entry& entry = entries_[e];
+        if (entry.v >= best) break;
+        if (std::fabs(entry.x - x) < kMatchDistance && std::fabs(entry.y - y) < kMatchDistance) {
+          best = entry.v;
           break;
         }
+      }
     }
-  return best < 0 ? nullptr : points_[static_cast<std::size_t>(best)];
+  return best == std::numeric_limits<std::uint32_t>::max() ? nullptr : points_[best];
 }
 
 }  // namespace vora

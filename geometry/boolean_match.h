@@ -24,26 +24,28 @@ public:
   const AcGePoint3d* find(double x, double y) const;
 
 private:
-  struct Slot {
-    std::int64_t kx;
-    std::int64_t ky;
-    std::int64_t head;  // first vertex of the cell's chain, -1 for none
-    bool used;
+  // A vertex as stored in its bucket: its plan coordinates and input position.
+  struct Entry {
+    double x;
+    double y;
+    std::uint32_t v;
   };
-  // Never below the match distance times a few, so a query touches 2 x 2
-  // cells at most, and rarely more than one.
+  // Cells are never narrower than this, a hundred times the match distance, so
+  // a query nearly always falls in one cell per axis.
   static constexpr double kMinCell = 1e-6;
   static constexpr std::int64_t kMaxCellSpan = 8;
 
   std::int64_t cellOf(double v) const;
-  std::size_t slotOf(std::int64_t kx, std::int64_t ky) const;
-  bool matches(std::int64_t v, double x, double y) const;
+  std::size_t bucketOf(std::int64_t kx, std::int64_t ky) const;
+  const AcGePoint3d* scan(double x, double y) const;
 
   std::vector<const AcGePoint3d*> points_;
-  std::vector<std::int64_t> next_;
-  std::vector<Slot> slots_;
-  std::size_t slotMask_ = 0;
-  double cell_ = kMinCell;
+  // Bucket b holds entries_[ends_[b-1] .. ends_[b]), in input order; the
+  // entries of one cell all sit in one bucket.
+  std::vector<Entry> entries_;
+  std::vector<std::uint32_t> ends_;
+  std::size_t bucketMask_ = 0;
+  double inverseCell_ = 1.0 / kMinCell;
 };
 
 }  // namespace vora

@@ -2,6 +2,7 @@
 #include <cmath>
 #include <cstdint>
 #include <limits>
+#include <memory>
 #include <vector>
 
 #include <polyclipping/clipper.hpp>
@@ -96,19 +97,18 @@ std::uint64_t mixCell(std::int64_t kx, std::int64_t ky) {
 
 VertexIndex::VertexIndex(const PolygonSet* subjects, const PolygonSet* clips) {
   std::size_t n = 0;
-  for (const PolygonSet* set : {subjects, clips})
-    if (set != nullptr)
-      for (const AcGePoint3dArray& polygon : *set) n += static_cast<std::size_t>(polygon.length());
-  points_.reserve(n);
   double magnitude = 0.0;
   for (const PolygonSet* set : {subjects, clips}) {
     if (set == nullptr) continue;
-    for (const AcGePoint3dArray& polygon : *set)
+    for (const AcGePoint3dArray& polygon : *set) {
+      polygons_.push_back(&polygon);
+      starts_.push_back(n);
+      n += static_cast<std::size_t>(polygon.length());
       for (const AcGePoint3d& p : polygon) {
-        points_.push_back(&p);
         if (std::isfinite(p.x)) magnitude = std::max(magnitude, std::fabs(p.x));
         if (std::isfinite(p.y)) magnitude = std::max(magnitude, std::fabs(p.y));
       }
+    }
   }
   // Beyond what 32-bit positions can index, every query scans.
   if (n >= std::numeric_limits<std::uint32_t>::max()) return;
@@ -122,31 +122,40 @@ VertexIndex::VertexIndex(const PolygonSet* subjects, const PolygonSet* clips) {
   while (buckets < n) buckets *= 2;
   bucketMask_ = buckets - 1;
   ends_.assign(buckets, 0);
-  std::vector<std::uint32_t> bucketOfVertex(n);
+  // Left uninitialised on purpose: every cell is written before it is read.
+  const std::unique_ptr<std::uint32_t[]> bucketOfVertex(new std::uint32_t[n]);
   constexpr std::uint32_t kNone = std::numeric_limits<std::uint32_t>::max();
-  for (std::size_t i = 0; i < n; ++i) {
-    const AcGePoint3d& p = *points_[i];
-    // A vertex with a coordinate that is not finite never passes the match test.
-    if (!std::isfinite(p.x) || !std::isfinite(p.y)) {
-      bucketOfVertex[i] = kNone;
-      continue;
+  std::size_t i = 0;
+  for (const AcGePoint3dArray* polygon : polygons_)
+    for (const AcGePoint3d& p : *polygon) {
+      // A vertex with a coordinate that is not finite never passes the match test.
+      if (!std::isfinite(p.x) || !std::isfinite(p.y)) {
+        bucketOfVertex[i++] = kNone;
+        continue;
+      }
+      const std::size_t b = bucketOf(cellOf(p.x), cellOf(p.y));
+      bucketOfVertex[i++] = static_cast<std::uint32_t>(b);
+      ++ends_[b];
     }
-    const std::size_t b = bucketOf(cellOf(p.x), cellOf(p.y));
-    bucketOfVertex[i] = static_cast<std::uint32_t>(b);
-    ++ends_[b];
-  }
   std::uint32_t sum = 0;
   for (std::uint32_t& e : ends_) {
     const std::uint32_t count = e;
     e = sum;  // for now the start of the bucket; the fill moves it to the end
     sum += count;
   }
-  entries_.resize(sum);
-  for (std::size_t i = 0; i < n; ++i) {
-    if (bucketOfVertex[i] == kNone) continue;
-    const AcGePoint3d& p = *points_[i];
-    entries_[ends_[bucketOfVertex[i]]++] = Entry{p.x, p.y, static_cast<std::uint32_t>(i)};
-  }
+  entries_.reset(new Entry[sum]);
+  i = 0;
+  for (const AcGePoint3dArray* polygon : polygons_)
+    for (const AcGePoint3d& p : *polygon) {
+      if (bucketOfVertex[i] != kNone)
+        entries_[ends_[bucketOfVertex[i]]++] = Entry{p.x, p.y, static_cast<std::uint32_t>(i)};
+      ++i;
+    }
+}
+
+const AcGePoint3d* VertexIndex::vertex(std::size_t v) const {
+  const std::size_t k = static_cast<std::size_t>(std::upper_bound(starts_.begin(), starts_.end(), v) - starts_.begin()) - 1;
+  return &(*polygons_[k])[static_cast<int>(v - starts_[k])];
 }
 
 std::int64_t VertexIndex::cellOf(double v) const {
@@ -164,8 +173,9 @@ std::size_t VertexIndex::bucketOf(std::int64_t kx, std::int64_t ky) const {
 }
 
 const AcGePoint3d* VertexIndex::scan(double x, double y) const {
-  for (const AcGePoint3d* p : points_)
-    if (std::fabs(p->x - x) < kMatchDistance && std::fabs(p->y - y) < kMatchDistance) return p;
+  for (const AcGePoint3dArray* polygon : polygons_)
+    for (const AcGePoint3d& p : *polygon)
+      if (std::fabs(p.x - x) < kMatchDistance && std::fabs(p.y - y) < kMatchDistance) return &p;
   return nullptr;
 }
 
@@ -196,7 +206,7 @@ const AcGePoint3d* VertexIndex::find(double x, double y) const {
         }
       }
     }
-  return best == std::numeric_limits<std::uint32_t>::max() ? nullptr : points_[best];
+  return best == std::numeric_limits<std::uint32_t>::max() ? nullptr : vertex(best);
 }
 
 }  // namespace vora

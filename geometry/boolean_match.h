@@ -4,6 +4,7 @@
 
 #include <cstddef>
 #include <cstdint>
+#include <memory>
 #include <vector>
 
 #include "vora/arx.h"
@@ -38,11 +39,14 @@ private:
   std::int64_t cellOf(double v) const;
   std::size_t bucketOf(std::int64_t kx, std::int64_t ky) const;
   const AcGePoint3d* scan(double x, double y) const;
+  const AcGePoint3d* vertex(std::size_t v) const;
 
-  std::vector<const AcGePoint3d*> points_;
+  // The polygons in input order and the input position of each one's vertex 0.
+  std::vector<const AcGePoint3dArray*> polygons_;
+  std::vector<std::size_t> starts_;
   // Bucket b holds entries_[ends_[b-1] .. ends_[b]), in input order; the
   // entries of one cell all sit in one bucket.
-  std::vector<Entry> entries_;
+  std::unique_ptr<Entry[]> entries_;
   std::vector<std::uint32_t> ends_;
   std::size_t bucketMask_ = 0;
   double inverseCell_ = 1.0 / kMinCell;

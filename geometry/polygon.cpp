@@ -2,7 +2,11 @@
 #include <cstdint>
 #include <utility>
 
+#include <algorithm>
+#include <limits>
+
 #include "geometry/bulge.h"
+#include "geometry/edge_slabs.h"
 #include "geometry/tolerance.h"
 #include "vora/distance.h"
 #include "vora/polygon.h"
@@ -25,6 +29,108 @@ AcGePoint3d arcMidpoint(const BulgeArc& arc) {
 }
 
 }  // namespace
+
+EdgeHit testEdge(const AcGePoint3d& a, const AcGePoint3d& b, const double* point, double tol) {
+  double t = 0.0;
+  const double d = std::fabs(vora_distpointlinesigned(&a.x, &b.x, point, nullptr, &t));
+  if (d < tol && -tol <= t && t <= 1.0 + tol) return EdgeHit::kBoundary;
+  const double px = point[0], py = point[1];
+  // Half-open in y, so a vertex on the ray is counted once.
+  if ((a.y <= py && py < b.y) || (b.y <= py && py < a.y)) {
+    const double x = (py - a.y) / (b.y - a.y) * (b.x - a.x) + a.x;
+    if (x > px) return EdgeHit::kCrossing;
+  }
+  return EdgeHit::kNone;
+}
+
+bool EdgeSlabs::build(const AcGePoint3dArray* pts, double tol) {
+  const std::int64_t n = countOf(pts);
+  if (n < 2 || n > std::numeric_limits<std::uint32_t>::max() / 16 || !std::isfinite(tol)) return false;
+  p_ = pts->asArrayPtr();
+  tol_ = tol;
+  double ylo = p_[0].y, yhi = p_[0].y, magnitude = 0.0;
+  for (std::int64_t i = 0; i < n; ++i) {
+    if (!std::isfinite(p_[i].x) || !std::isfinite(p_[i].y)) return false;
+    ylo = std::min(ylo, p_[i].y);
+    yhi = std::max(yhi, p_[i].y);
+    magnitude = std::max(magnitude, std::max(std::fabs(p_[i].x), std::fabs(p_[i].y)));
+  }
+  const std::size_t edges = static_cast<std::size_t>(n - 1);
+
+  // How far from an edge's y range the boundary test can fire: tol from the
+  // line, tol of the edge's length beyond either end. Doubled, plus a margin
+  // far above the rounding of coordinates of this magnitude.
+  const double reach = std::max(tol, 0.0);
+  const double slack = 1e-12 * (1.0 + magnitude);
+  std::vector<double> low(edges), high(edges);
+  double spans = 0.0;
+  for (std::size_t i = 0; i < edges; ++i) {
+    const AcGePoint3d& a = p_[i];
+    const AcGePoint3d& b = p_[i + 1];
+    const double dx = b.x - a.x, dy = b.y - a.y;
+    const double margin = 2.0 * (reach + reach * std::sqrt(dx * dx + dy * dy)) + slack;
+    low[i] = std::min(a.y, b.y) - margin;
+    high[i] = std::max(a.y, b.y) + margin;
+    spans += high[i] - low[i];
+  }
+  if (!std::isfinite(spans)) return false;
+  // As many slabs as edges, unless the edges are so tall that each would be
+  // listed in many: then fewer, so that the lists hold about five entries
+  // per edge in all.
+  const double range = yhi - ylo;
+  const double wanted = spans > 0.0 ? std::floor(4.0 * static_cast<double>(edges) * range / spans) : 1.0;
+  slabs_ = static_cast<std::size_t>(std::clamp(wanted, 1.0, static_cast<double>(edges)));
+  y0_ = ylo;
+  inverseHeight_ = range > 0.0 ? static_cast<double>(slabs_) / range : 0.0;
+  if (!std::isfinite(inverseHeight_)) return false;
+
+  std::vector<std::size_t> first(edges), last(edges);
+  std::size_t total = 0;
+  for (std::size_t i = 0; i < edges; ++i) {
+    first[i] = slabOf(low[i]);
+    last[i] = slabOf(high[i]);
+    total += last[i] - first[i] + 1;
+  }
+  if (total > 8 * edges + 1024) return false;
+  ends_.assign(slabs_, 0);
+  for (std::size_t i = 0; i < edges; ++i)
+    for (std::size_t s = first[i]; s <= last[i]; ++s) ++ends_[s];
+  std::uint32_t sum = 0;
+  for (std::uint32_t& e : ends_) {
+    const std::uint32_t count = e;
+    e = sum;
+    sum += count;
+  }
+  edges_.resize(sum);
+  for (std::size_t i = 0; i < edges; ++i)
+    for (std::size_t s = first[i]; s <= last[i]; ++s) edges_[ends_[s]++] = static_cast<std::uint32_t>(i);
+  return true;
+}
+
+std::size_t EdgeSlabs::slabOf(double y) const {
+  // Monotone in y, so an edge listed from slabOf(low) to slabOf(high) is
+  // listed in the slab of every y between the two.
+  const double s = std::floor((y - y0_) * inverseHeight_);
+  if (!(s > 0.0)) return 0;
+  if (s >= static_cast<double>(slabs_ - 1)) return slabs_ - 1;
+  return static_cast<std::size_t>(s);
+}
+
+bool EdgeSlabs::contains(const double* point, bool onBoundaryResult) const {
+  std::int64_t count = 0;
+  if (std::isnan(point[1])) {
+    // No slab for it; only the boundary test could answer, and it will not.
+    return false;
+  }
+  const std::size_t s = slabOf(point[1]);
+  for (std::uint32_t e = s == 0 ? 0 : ends_[s - 1]; e < ends_[s]; ++e) {
+    const std::uint32_t i = edges_[e];
+    const EdgeHit hit = testEdge(p_[i], p_[i + 1], point, tol_);
+    if (hit == EdgeHit::kBoundary) return onBoundaryResult;
+    if (hit == EdgeHit::kCrossing) ++count;
+  }
+  return (count & 1) != 0;
+}
 
 }  // namespace vora
 
@@ -49,6 +155,10 @@ VORA_API double vora_polygonareaB(const AcGePoint3dArray* pts, const AcGeDoubleA
   if (bulges->length() != n || n == 1) return area;
   const AcGePoint3d* p = pts->asArrayPtr();
   const double* b = bulges->asArrayPtr();
+  const double tol = tolPoint();
+  EdgeSlabs slabs;
+  int tests = 0;
+  bool triedSlabs = false, haveSlabs = false;
   for (std::int64_t i = 0; i + 1 < n; ++i) {
     if (!(std::fabs(b[i]) >= tolValue())) continue;
     const BulgeArc arc = bulgeToArc(p[i], p[i + 1], b[i]);
@@ -60,8 +170,14 @@ VORA_API double vora_polygonareaB(const AcGePoint3dArray* pts, const AcGeDoubleA
                             (mid.y + (p[i].y + p[i + 1].y) / 2.0) / 2.0, 0.0};
     // Only a segment that bites into the chord polygon changes the area; one
     // that bulges outward is deliberately not added.
-    const double tol = tolPoint();
-    if (vora_ispointinpolygon(pts, test, false, &tol)) area -= segment;
+    // From the fourth arc on, the ring's edges are sorted into slabs once so
+    // that each further test looks at a few edges instead of all of them.
+    if (!triedSlabs && ++tests > 3) {
+      triedSlabs = true;
+      haveSlabs = slabs.build(pts, tol);
+    }
+    const bool inside = haveSlabs ? slabs.contains(test, false) : vora_ispointinpolygon(pts, test, false, &tol);
+    if (inside) area -= segment;
   }
   return area;
 }
@@ -124,20 +240,12 @@ VORA_API bool vora_ispointinpolygon(const AcGePoint3dArray* pts, const double* p
   const std::int64_t n = countOf(pts);
   if (n == 1) return false;
   const AcGePoint3d* p = pts->asArrayPtr();
-  const double px = point[0], py = point[1];
   const double tol = *tolerance;
   std::int64_t count = 0;
   for (std::int64_t i = 0; i + 1 < n; ++i) {
-    const AcGePoint3d& a = p[i];
-    const AcGePoint3d& c = p[i + 1];
-    double t = 0.0;
-    const double d = std::fabs(vora_distpointlinesigned(&a.x, &c.x, point, nullptr, &t));
-    if (d < tol && -tol <= t && t <= 1.0 + tol) return onBoundaryResult;
-    // Half-open in y, so a vertex on the ray is counted once.
-    if ((a.y <= py && py < c.y) || (c.y <= py && py < a.y)) {
-      const double x = (py - a.y) / (c.y - a.y) * (c.x - a.x) + a.x;
-      if (x > px) ++count;
-    }
+    const EdgeHit hit = testEdge(p[i], p[i + 1], point, tol);
+    if (hit == EdgeHit::kBoundary) return onBoundaryResult;
+    if (hit == EdgeHit::kCrossing) ++count;
   }
   return (count & 1) != 0;
 }

@@ -4,6 +4,7 @@
 #include <random>
 #include <vector>
 
+#include "geometry/edge_slabs.h"
 #include "geometry/tolerance.h"
 #include "support/tolerance_guard.h"
 #include "vora/vora.h"
@@ -260,6 +261,77 @@ TEST(PointInPolygonB, AgreesWithTheChordTestWithoutArcs) {
       EXPECT_EQ(vora_ispointinpolygonB(&ring, &zero, p, false, &tol), vora_ispointinpolygon(&ring, p, false, &tol));
     }
   }
+}
+
+// The slab index must answer exactly like the test over all edges, also for
+// points on vertices, on edges and on the rays through vertices.
+TEST(PointInPolygonSlabs, AgreeWithTheTestOverAllEdges) {
+  std::mt19937_64 rng(31337);
+  std::uniform_int_distribution<int> grid(-20, 20);
+  std::uniform_real_distribution<double> any(-25.0, 25.0);
+  for (int k = 0; k < 60; ++k) {
+    AcGePoint3dArray ring;
+    if (k % 3 == 0) {
+      ring = randomRing(rng, 8 + k);
+    } else {
+      // Vertices on a coarse grid: many horizontal edges, shared y values and
+      // repeated vertices.
+      for (int i = 0; i < 6 + k; ++i) ring.append(AcGePoint3d(grid(rng) * 0.5, grid(rng) * 0.5, 0));
+      ring.append(ring.first());
+    }
+    for (double tol : {0.0, 1e-7, 0.05, 3.0}) {
+      vora::EdgeSlabs slabs;
+      // A tolerance of the ring's own size makes every edge reach every slab.
+      ASSERT_TRUE(slabs.build(&ring, tol)) << k << " " << tol;
+      for (int q = 0; q < 400; ++q) {
+        double p[3] = {any(rng), any(rng), 0.0};
+        const AcGePoint3d& a = ring[q % (ring.length() - 1)];
+        const AcGePoint3d& b = ring[q % (ring.length() - 1) + 1];
+        if (q % 4 == 1) {
+          p[0] = a.x;
+          p[1] = a.y;
+        } else if (q % 4 == 2) {
+          p[0] = (a.x + b.x) / 2;
+          p[1] = (a.y + b.y) / 2;
+        } else if (q % 4 == 3) {
+          p[1] = a.y;
+        }
+        for (bool boundary : {false, true})
+          ASSERT_EQ(slabs.contains(p, boundary), vora_ispointinpolygon(&ring, p, boundary, &tol))
+              << k << " " << tol << " " << q << " " << p[0] << " " << p[1];
+      }
+    }
+  }
+  // What cannot be sorted is refused, so callers fall back to the plain test.
+  AcGePoint3dArray bad = pts({{0, 0, 0}, {1, std::nan(""), 0}, {0, 1, 0}, {0, 0, 0}});
+  vora::EdgeSlabs slabs;
+  EXPECT_FALSE(slabs.build(&bad, 1e-7));
+  const AcGePoint3dArray fine = pts({{0, 0, 0}, {1, 0, 0}, {0, 1, 0}, {0, 0, 0}});
+  EXPECT_FALSE(slabs.build(&fine, std::nan("")));
+}
+
+// Many arcs take the sorted path: every inward arc's segment comes off, no
+// outward arc adds anything.
+TEST(PolygonAreaB, ManyArcsInAndOut) {
+  const int n = 400;
+  AcGePoint3dArray ring;
+  for (int i = 0; i < n; ++i) {
+    const double t = 2.0 * kPi * i / n;
+    ring.append(AcGePoint3d(100.0 * std::cos(t), 100.0 * std::sin(t), 0));
+  }
+  ring.append(ring.first());
+  const double chordArea = vora_polygonarea(&ring);
+  const double theta = 0.5;  // included angle of every arc
+  AcGeDoubleArray in, out;
+  for (int i = 0; i <= n; ++i) {
+    in.append(i < n ? -std::tan(theta / 4) : 0.0);
+    out.append(i < n ? std::tan(theta / 4) : 0.0);
+  }
+  const double chord = 2.0 * 100.0 * std::sin(kPi / n);
+  const double R = chord / 2 / std::sin(theta / 2);
+  const double segment = R * R / 2 * (theta - std::sin(theta));
+  EXPECT_NEAR(vora_polygonareaB(&ring, &in), chordArea - n * segment, 1e-9 * chordArea);
+  EXPECT_EQ(vora_polygonareaB(&ring, &out), chordArea);
 }
 
 }  // namespace

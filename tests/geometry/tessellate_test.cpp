@@ -243,4 +243,40 @@ TEST(TessellateProperties, SubArcsKeepThePlanLengthAndPointsStayWithinTheMidOrdi
   }
 }
 
+TEST(TessellateProperties, ReversingThePolylineReversesItsTessellation) {
+  const unsigned seed = 2718;
+  std::mt19937_64 rng(seed);
+  std::uniform_real_distribution<double> coord(-50.0, 50.0);
+  std::uniform_real_distribution<double> bulge(-1.8, 1.8);
+  for (int round = 0; round < 30; ++round) {
+    SCOPED_TRACE(testing::Message() << "seed " << seed << " round " << round);
+    const int n = 2 + round % 6;
+    AcGePoint3dArray pts, rev;
+    AcGeDoubleArray b, revB;
+    for (int i = 0; i < n; ++i) {
+      pts.append(AcGePoint3d(coord(rng), coord(rng), coord(rng)));
+      b.append(i % 2 == 0 ? bulge(rng) : 0.0);
+    }
+    // Reversed: vertex i is n-1-i, and segment i runs backwards over n-2-i.
+    for (int i = 0; i < n; ++i) {
+      rev.append(pts[n - 1 - i]);
+      revB.append(i + 1 < n ? -b[n - 2 - i] : 0.0);
+    }
+    AcGePoint3dArray out, outRev;
+    AcGeDoubleArray outB, outRevB;
+    vora_tessellate3Dpline(&pts, &b, false, 0.02, 0.0, kPi / 5, 0.0, &out, &outB, nullptr);
+    vora_tessellate3Dpline(&rev, &revB, false, 0.02, 0.0, kPi / 5, 0.0, &outRev, &outRevB, nullptr);
+    ASSERT_EQ(out.length(), outRev.length());
+    const int m = out.length();
+    for (int k = 0; k < m; ++k) {
+      EXPECT_NEAR(outRev[k].x, out[m - 1 - k].x, 1e-9) << k;
+      EXPECT_NEAR(outRev[k].y, out[m - 1 - k].y, 1e-9) << k;
+      EXPECT_NEAR(outRev[k].z, out[m - 1 - k].z, 1e-9) << k;
+      if (k + 1 < m) {
+        EXPECT_NEAR(outRevB[k], -outB[m - 2 - k], 1e-9) << k;
+      }
+    }
+  }
+}
+
 }  // namespace

@@ -10,9 +10,16 @@
 #include "vora/arx/gevec3d.h"
 #include "vora/arx/acarray.h"
 #include "vora/arx/gecurve2d.h"
+#include "vora/arx/acadstrc.h"
 #include "vora/arx/rx.h"
 #include "vora/arx/ads.h"
 #include "vora/arx/db.h"
+#include "vora/arx/dbcolor.h"
+#include "vora/arx/dbsymtb.h"
+#include "vora/arx/dbdict.h"
+#include "vora/arx/dbxrecrd.h"
+#include "vora/arx/dbmaterial.h"
+#include "vora/arx/dbsortents.h"
 #include "vora/arx/dbents.h"
 
 #endif

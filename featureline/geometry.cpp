@@ -86,7 +86,8 @@ std::size_t nextNonCollinear(const std::vector<AcGePoint3d>& pos, std::size_t i)
 bool recognizeArc(const std::vector<AcGePoint3d>& pos, std::size_t i, const AcGeTol& tol, double maxStepAngle,
                   std::size_t& middle, std::size_t& end) {
   const std::size_t m = nextNonCollinear(pos, i);
-  const std::size_t e = nextNonCollinear(pos, m);
+  // With nothing off the line from i, the second scan would repeat the first.
+  const std::size_t e = m == i ? i : nextNonCollinear(pos, m);
   const AcGeCircArc2d arc(plan(pos[i]), plan(pos[m]), plan(pos[e]));
   if (arc.isDegenerate()) return false;
 

@@ -165,6 +165,40 @@ TEST(FeaturelineGeometry, GradeBreaksInsideArcsBecomeElevationPoints) {
   EXPECT_EQ(pts[1].position.x, pos[8].x);
 }
 
+TEST(FeaturelineGeometry, VerticalStepsInsideArcsKeepBothEnds) {
+  // A culvert headwall: the edge jumps 2 m at one plan point of the curve.
+  auto pos = arcVertices(kOrigin, 120.0, 0.0, 5 * kDeg, 12, 30.0, 0.0);
+  AcGePoint3d top = pos[6];
+  top.z += 2.0;
+  pos.insert(pos.begin() + 7, top);
+  for (std::size_t k = 8; k < pos.size(); ++k) pos[k].z += 2.0;
+  const AcGeTol tol = toleranceFor(pos);
+  const auto pts = buildPoints(pos, tol, kMaxArcStepAngle);
+  ASSERT_EQ(pts.size(), 4u);
+  EXPECT_TRUE(pts[1].isElevationPoint() && pts[2].isElevationPoint());
+  EXPECT_EQ(pts[1].position.z, 30.0);
+  EXPECT_EQ(pts[2].position.z, 32.0);
+  EXPECT_EQ(pts[1].arcDistance, pts[2].arcDistance);
+  std::vector<double> st;
+  computeStations(pts, st);
+  EXPECT_EQ(st[1], st[2]);
+
+  // Written back, the step stays a vertical pair of vertices.
+  RecordingSink sink;
+  tessellate(pts, tol, 0.015, sink);
+  int steps = 0;
+  for (std::size_t k = 1; k < sink.vertices.size(); ++k) {
+    const auto& a = sink.vertices[k - 1];
+    const auto& b = sink.vertices[k];
+    if (std::hypot(a.x - b.x, a.y - b.y) < 1e-6 && std::fabs(b.z - a.z) > 1.0) ++steps;
+  }
+  EXPECT_EQ(steps, 1);
+  const auto again = buildPoints(vora::fl::withoutDuplicates(sink.vertices.data(), sink.vertices.size(), tol), tol,
+                                 kMaxArcStepAngle);
+  ASSERT_EQ(again.size(), 4u);
+  EXPECT_EQ(again[2].position.z, 32.0);
+}
+
 TEST(FeaturelineGeometry, NaNElevationsInsideArcsAreRejected) {
   auto pos = arcVertices(kOrigin, 100.0, 0.0, 5 * kDeg, 8, 10.0, 0.0);
   pos[5].z = std::numeric_limits<double>::quiet_NaN();

@@ -270,6 +270,32 @@ TEST_F(FeaturelineModel, InsertingAndErasing) {
   EXPECT_EQ(verticesOf(id).size(), 2u);
 }
 
+TEST_F(FeaturelineModel, NewVertexSlotsTakeThePolylinesProperties) {
+  const AcDbObjectId id = addFeatureline(roadEdge());
+  AcDb3dPolyline* pl = nullptr;
+  ASSERT_EQ(acdbOpenObject(pl, id, AcDb::kForWrite), Acad::eOk);
+  ASSERT_EQ(pl->setColorIndex(3), Acad::eOk);
+  pl->close();
+  {
+    Featureline line(id, AcDb::kForWrite);
+    const std::size_t before = line.numVertexObjects();
+    ASSERT_TRUE(line.setMidOrdinateDistance(0.001, true));
+    ASSERT_GT(line.numVertexObjects(), before);
+  }
+  ASSERT_EQ(acdbOpenObject(pl, id, AcDb::kForRead), Acad::eOk);
+  std::unique_ptr<AcDbObjectIterator> it(pl->vertexIterator());
+  int vertices = 0;
+  for (it->start(); !it->done(); it->step()) {
+    AcDbEntity* v = nullptr;
+    ASSERT_EQ(acdbOpenObject(v, it->objectId(), AcDb::kForRead), Acad::eOk);
+    EXPECT_EQ(v->colorIndex(), 3);
+    v->close();
+    ++vertices;
+  }
+  pl->close();
+  EXPECT_GT(vertices, 18);
+}
+
 TEST_F(FeaturelineModel, ErasingTheEndOfATwoPointLineLeavesNoFeatureline) {
   const AcDbObjectId id = addFeatureline({AcGePoint3d(700000, 100000, 5), AcGePoint3d(700100, 100000, 6)});
   {

@@ -217,11 +217,9 @@ void Featureline::writeBack() {
   upgradeToWrite();
   VertexSlots slots(mPolyline, mVertices);
   vora::fl::tessellate(mPoints, mTolerance, mMidOrdinateDistance, slots);
-  bool removed = false;
   while (mVertices.size() > slots.cursor()) {
     AcDb3dPolylineVertex* v = mVertices.back();
     mVertices.pop_back();
-    removed = true;
     if (v == nullptr) continue;
     if (!v->objectId().isNull()) {
       if (!v->isWriteEnabled()) v->upgradeOpen();
@@ -231,7 +229,6 @@ void Featureline::writeBack() {
     // A vertex of a polyline outside any database belongs to that polyline,
     // which has no way to give one back; it stays where it is.
   }
-  if (removed) mPolyline->recordGraphicsModified(true);
   vora::fl::computeStations(mPoints, mStations);
 }
 

@@ -218,7 +218,7 @@ TEST(PolygonOperationVertexIndex, AgreesWithAScanInInputOrder) {
           AcGePoint3d p(origin + coord(rng), origin + coord(rng), static_cast<double>(all.size()));
           // Clusters of near-coincident vertices, closer than the match distance.
           if (!all.empty() && coin(rng) == 0) {
-            const AcGePoint3d& q = all[all.size() / 2 + static_cast<std::size_t>(coin(rng))];
+            const AcGePoint3d& q = all[std::uniform_int_distribution<std::size_t>(0, all.size() - 1)(rng)];
             p.x = q.x + tiny(rng);
             p.y = q.y + tiny(rng);
           }

@@ -36,7 +36,13 @@ SplitRecord splitRecord(const ClassDef& def, std::string_view bytes, const std::
   long current = anyMarker ? -1 : 0;
   bool inGroup = false, groupKept = false;
   bool handleSeen = false, ownerSeen = false;
+  r.repeated.resize(nsub);
   auto take = [&](std::size_t sub, std::size_t i) -> bool {
+    for (int c : def.subclasses[sub].repeated)
+      if (c == tags[i].code) {
+        r.repeated[sub].push_back(static_cast<std::uint32_t>(i));
+        return true;
+      }
     const int slot = def.slotOf(sub, tags[i].code);
     if (slot < 0 || r.slotTag[static_cast<std::size_t>(slot)] >= 0) return false;
     r.slotTag[static_cast<std::size_t>(slot)] = static_cast<std::int32_t>(i);

@@ -17,8 +17,8 @@ namespace vora_host::dxf {
 
 struct SubclassDef {
   std::string_view marker;        // e.g. "AcDbEntity"
-  std::vector<int> codes;         // the group codes this subclass reads, in writing order
-  std::uint16_t minVersion = 0;   // the subclass is written from this version on (R12 files have no markers)
+  std::vector<int> codes;         // the group codes this subclass reads once, in writing order
+  std::vector<int> repeated = {}; // codes read as lists (vertices, dictionary entries), in file order
 };
 
 struct VORA_HOST_API ClassDef {
@@ -41,6 +41,7 @@ struct SplitRecord {
   std::vector<std::uint32_t> appData;  // 102 groups other than reactors and the extension dictionary, with their tags
   std::vector<std::int32_t> slotTag;   // per slot: the tag that filled it, -1 when absent
   std::vector<bool> markerSeen;        // per subclass: its marker was in the record
+  std::vector<std::vector<std::uint32_t>> repeated;  // per subclass: tags of its repeated codes, in order
 };
 
 // Splits tags [1, end) of a record (tags[0] is its 0 tag; end is where its

@@ -1,5 +1,7 @@
 #include "host/dxf/records.h"
 
+#include <cstring>
+
 namespace vora_host::dxf {
 
 const Section* Layout::find(std::string_view name) const {
@@ -25,7 +27,8 @@ std::uint64_t hexOf(std::string_view v) {
   return parseHex(v, h) ? h : 0;
 }
 
-Record recordAt(const TagFile& f, std::uint32_t first, std::uint32_t end) {
+template <class Values>
+Record recordAt(const Values& f, std::uint32_t first, std::uint32_t end) {
   Record r;
   r.first = first;
   r.end = end;
@@ -36,16 +39,16 @@ Record recordAt(const TagFile& f, std::uint32_t first, std::uint32_t end) {
   int depth = 0;  // inside a 102 {...} group
   std::string_view group;
   bool seenMarker = false;
-  std::size_t groupLine = 0;
+  std::size_t groupIndex = 0;
   for (std::uint32_t i = first + 1; i < end; ++i) {
-    const Tag& t = f.tags[i];
-    const std::string_view v = f.value(t);
+    const Tag& t = f.tag(i);
+    const std::string_view v = f.value(i);
     // XRECORD data may hold 102 tags of its own ("{ATTRRECORD" ... "ATTRRECORD}").
     if (t.code == 102 && !(xrecord && seenMarker)) {
       if (!depth && !v.empty() && v.front() == '{') {
         depth = 1;
         group = v;
-        groupLine = TagFile::lineOf(i);
+        groupIndex = i;
       } else if (depth && !v.empty() && v.back() == '}') {
         depth = 0;
       }
@@ -67,9 +70,24 @@ Record recordAt(const TagFile& f, std::uint32_t first, std::uint32_t end) {
       r.xdata = i;
     }
   }
-  if (depth) throw DxfError(groupLine, "102 group " + std::string(group) + " is not closed");
+  if (depth) throw DxfError(f.lineOf(groupIndex), "102 group " + std::string(group) + " is not closed");
   return r;
 }
+
+struct FileValues {
+  const TagFile& f;
+  const Tag& tag(std::size_t i) const { return f.tags[i]; }
+  std::string_view value(std::size_t i) const { return f.value(i); }
+  static std::size_t lineOf(std::size_t i) { return TagFile::lineOf(i); }
+};
+
+struct LocalValues {
+  std::string_view bytes;
+  const std::vector<Tag>& tags;
+  const Tag& tag(std::size_t i) const { return tags[i]; }
+  std::string_view value(std::size_t i) const { return bytes.substr(tags[i].offset, tags[i].length); }
+  static std::size_t lineOf(std::size_t i) { return 2 * i + 1; }
+};
 
 }  // namespace
 
@@ -122,13 +140,81 @@ Layout layoutOf(const TagFile& f) {
         s.end = j + 1;
         break;
       }
-      if (s.name != "HEADER") s.records.push_back(recordAt(f, j, k));
+      if (s.name != "HEADER") s.records.push_back(recordAt(FileValues{f}, j, k));
       j = k;
     }
     i = s.end;
     out.sections.push_back(std::move(s));
   }
   return out;
+}
+
+}  // namespace vora_host::dxf
+
+namespace vora_host::dxf {
+
+Record describeRecord(std::string_view bytes, const std::vector<Tag>& tags) {
+  return recordAt(LocalValues{bytes, tags}, 0, static_cast<std::uint32_t>(tags.size()));
+}
+
+bool RecordCursor::readTag(Tag& t) {
+  if (pos_ >= bytes_.size()) return false;
+  auto line = [&](std::size_t& s, std::size_t& l) {
+    s = pos_;
+    const void* nl = std::memchr(bytes_.data() + pos_, '\n', bytes_.size() - pos_);
+    std::size_t stop = nl ? static_cast<std::size_t>(static_cast<const char*>(nl) - bytes_.data()) : bytes_.size();
+    pos_ = nl ? stop + 1 : bytes_.size();
+    if (nl && stop > s && bytes_[stop - 1] == '\r') --stop;
+    l = stop - s;
+  };
+  std::size_t cs, cl, vs, vl;
+  line(cs, cl);
+  line(vs, vl);
+  int code = 0;
+  std::size_t k = cs;
+  while (k < cs + cl && (bytes_[k] == ' ' || bytes_[k] == '\t')) ++k;
+  for (; k < cs + cl && bytes_[k] >= '0' && bytes_[k] <= '9'; ++k) code = code * 10 + (bytes_[k] - '0');
+  t = Tag{code, static_cast<std::uint32_t>(vs), static_cast<std::uint32_t>(vl)};
+  nextLine_ += 2;
+  return true;
+}
+
+bool RecordCursor::next() {
+  tags_.clear();
+  if (!pending_) {
+    pendingBegin_ = pos_;
+    pendingLine_ = nextLine_;
+    if (!readTag(pendingTag_)) return false;
+  }
+  pending_ = false;
+  begin_ = pendingBegin_;
+  line_ = pendingLine_;
+  tags_.push_back(pendingTag_);
+  // The EOF record ends the walk; what follows it is not DXF.
+  if (pendingTag_.code == 0 && value(0) == "EOF") {
+    end_ = pos_;
+    pos_ = bytes_.size();
+    return true;
+  }
+  while (true) {
+    const std::size_t at = pos_;
+    const std::size_t atLine = nextLine_;
+    Tag t;
+    if (!readTag(t)) {
+      end_ = pos_;
+      break;
+    }
+    if (t.code == 0) {
+      pending_ = true;
+      pendingTag_ = t;
+      pendingBegin_ = at;
+      pendingLine_ = atLine;
+      end_ = at;
+      break;
+    }
+    tags_.push_back(t);
+  }
+  return true;
 }
 
 }  // namespace vora_host::dxf

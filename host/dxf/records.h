@@ -52,6 +52,40 @@ VORA_HOST_API Layout layoutOf(const TagFile& file);
 // The record's type: the value of its 0 tag.
 inline std::string_view recordType(const TagFile& f, const Record& r) { return f.value(r.first); }
 
+// What a record says about itself, from its own tags (tags[0] is its 0 tag;
+// indices in the result are relative to tags).
+VORA_HOST_API Record describeRecord(std::string_view bytes, const std::vector<Tag>& tags);
+
+// Walks an already validated file (see tagize) one record at a time without
+// keeping the tags of the whole file: tags() holds the current record's tags,
+// offsets into bytes.
+class VORA_HOST_API RecordCursor {
+public:
+  RecordCursor(std::string_view bytes, std::size_t start) : bytes_(bytes), pos_(start) {}
+  // Advances to the next record; false after the last one.
+  bool next();
+  const std::vector<Tag>& tags() const { return tags_; }
+  std::string_view value(std::size_t i) const { return bytes_.substr(tags_[i].offset, tags_[i].length); }
+  std::string_view type() const { return value(0); }
+  std::size_t begin() const { return begin_; }  // first byte of the record (its 0 line)
+  std::size_t end() const { return end_; }      // one past its last byte
+  std::size_t line() const { return line_; }    // 1-based line of its 0 tag
+
+private:
+  bool readTag(Tag& t);
+  std::string_view bytes_;
+  std::size_t pos_;
+  std::size_t begin_ = 0;
+  std::size_t end_ = 0;
+  std::size_t line_ = 0;
+  std::size_t pendingLine_ = 0;
+  std::size_t nextLine_ = 1;
+  std::vector<Tag> tags_;
+  bool pending_ = false;
+  Tag pendingTag_{};
+  std::size_t pendingBegin_ = 0;
+};
+
 // Versions as numbers: "AC1009" -> 1009; 0 when absent or unknown.
 VORA_HOST_API int versionNumber(std::string_view acadver);
 

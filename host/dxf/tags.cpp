@@ -418,56 +418,81 @@ void TagWriter::point(int c, double x, double y, double z) {
   tag(c + 20, z);
 }
 
-void writeFileAtomically(const std::string& path, std::string_view bytes) {
-  const std::size_t slash = path.rfind('/');
-  const std::string dir = slash == std::string::npos ? "." : (slash == 0 ? "/" : path.substr(0, slash));
-  std::string tmpl = path + ".XXXXXX";
-  const int fd = ::mkstemp(tmpl.data());
-  if (fd < 0) throw DxfError(0, "cannot create a temporary file next to '" + path + "': " + std::strerror(errno));
-  auto fail = [&](const char* what) {
-    const int e = errno;
-    ::close(fd);
-    ::unlink(tmpl.c_str());
-    throw DxfError(0, std::string("cannot save '") + path + "': " + what + ": " + std::strerror(e));
-  };
+AtomicFile::AtomicFile(std::string path) : path_(std::move(path)) {
+  tmp_ = path_ + ".XXXXXX";
+  fd_ = ::mkstemp(tmp_.data());
+  if (fd_ < 0) throw DxfError(0, "cannot create a temporary file next to '" + path_ + "': " + std::strerror(errno));
+}
+
+AtomicFile::~AtomicFile() {
+  if (fd_ >= 0) {
+    ::close(fd_);
+    ::unlink(tmp_.c_str());
+  }
+}
+
+void AtomicFile::fail(const char* what) {
+  const int e = errno;
+  if (fd_ >= 0) ::close(fd_);
+  fd_ = -1;
+  ::unlink(tmp_.c_str());
+  throw DxfError(0, std::string("cannot save '") + path_ + "': " + what + ": " + std::strerror(e));
+}
+
+void AtomicFile::write(std::string_view bytes) {
+  if (fd_ < 0) throw DxfError(0, "cannot save '" + path_ + "': the file is closed");
   std::size_t done = 0;
   while (done < bytes.size()) {
-    const ssize_t n = ::write(fd, bytes.data() + done, bytes.size() - done);
+    const ssize_t n = ::write(fd_, bytes.data() + done, bytes.size() - done);
     if (n < 0) {
       if (errno == EINTR) continue;
       fail("write");
     }
     done += static_cast<std::size_t>(n);
   }
+}
+
+void AtomicFile::commit() {
+  if (fd_ < 0) throw DxfError(0, "cannot save '" + path_ + "': the file is closed");
   // A new file would get mode 0600 from mkstemp; give it what a plain create
   // gives (0666 less the umask), or the old file's mode when there is one.
   struct stat st{};
   mode_t mode = 0;
-  if (::stat(path.c_str(), &st) == 0) {
+  if (::stat(path_.c_str(), &st) == 0) {
     mode = st.st_mode & 07777;
   } else {
     const mode_t mask = ::umask(0);
     ::umask(mask);
     mode = 0666 & ~mask;
   }
-  if (::fchmod(fd, mode) != 0) fail("chmod");
-  if (::fsync(fd) != 0) fail("fsync");
+  if (::fchmod(fd_, mode) != 0) fail("chmod");
+  if (::fsync(fd_) != 0) fail("fsync");
+  const int fd = fd_;
+  fd_ = -1;
   if (::close(fd) != 0) {
     const int e = errno;
-    ::unlink(tmpl.c_str());
-    throw DxfError(0, "cannot save '" + path + "': close: " + std::strerror(e));
+    ::unlink(tmp_.c_str());
+    throw DxfError(0, "cannot save '" + path_ + "': close: " + std::strerror(e));
   }
-  if (::rename(tmpl.c_str(), path.c_str()) != 0) {
+  if (::rename(tmp_.c_str(), path_.c_str()) != 0) {
     const int e = errno;
-    ::unlink(tmpl.c_str());
-    throw DxfError(0, "cannot save '" + path + "': rename: " + std::strerror(e));
+    ::unlink(tmp_.c_str());
+    throw DxfError(0, "cannot save '" + path_ + "': rename: " + std::strerror(e));
   }
   // The rename itself reaches the disk only with the directory.
+  const std::size_t slash = path_.rfind('/');
+  const std::string dir = slash == std::string::npos ? "." : (slash == 0 ? "/" : path_.substr(0, slash));
   const int dfd = ::open(dir.c_str(), O_RDONLY | O_DIRECTORY);
   if (dfd >= 0) {
     ::fsync(dfd);
     ::close(dfd);
   }
+}
+
+void writeFileAtomically(const std::string& path, std::string_view bytes) {
+  AtomicFile f(path);
+  f.write(bytes);
+  f.commit();
 }
 
 }  // namespace vora_host::dxf

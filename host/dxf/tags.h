@@ -108,6 +108,24 @@ private:
 // thrown.
 VORA_HOST_API void writeFileAtomically(const std::string& path, std::string_view bytes);
 
+// The same, in pieces: write() as often as needed, then commit(). Destroyed
+// without commit(), the temporary file is removed and path left as it was.
+class VORA_HOST_API AtomicFile {
+public:
+  explicit AtomicFile(std::string path);  // throws DxfError when no temporary file can be made
+  ~AtomicFile();
+  AtomicFile(const AtomicFile&) = delete;
+  AtomicFile& operator=(const AtomicFile&) = delete;
+  void write(std::string_view bytes);  // throws DxfError
+  void commit();                       // throws DxfError
+
+private:
+  [[noreturn]] void fail(const char* what);
+  std::string path_;
+  std::string tmp_;
+  int fd_ = -1;
+};
+
 }  // namespace vora_host::dxf
 
 #endif

@@ -4,6 +4,7 @@
 #define VORA_TESTS_HOST_DXF_CORPUS_H
 
 #include <fstream>
+#include <ostream>
 #include <sstream>
 #include <cctype>
 #include <string>
@@ -20,6 +21,8 @@ struct CorpusFile {
   bool binary() const { return encoding.rfind("binary", 0) == 0; }
   std::string path() const { return std::string(VORA_TEST_DATA_DIR) + "/corpus/" + name; }
 };
+
+inline void PrintTo(const CorpusFile& f, std::ostream* os) { *os << f.name; }
 
 inline std::vector<CorpusFile> corpusFiles() {
   std::vector<CorpusFile> out;

@@ -1104,6 +1104,11 @@ struct Writer {
   void entityFields(const AcDbEntity* e);
   void fields(const AcDbObject* obj, const ClassDef& def, std::size_t sub, const FieldReader* orig, bool fresh);
   void rbTags(const resbuf* rb);
+  void real(int code, double v);
+  void integer(int code, std::int64_t v);
+  void text(int code, const std::wstring& v);
+  const FieldReader* orig_ = nullptr;
+  std::size_t sub_ = 0;
   bool writable(const AcDbObject* o) const { return o != nullptr && !o->isErased() && !isSynthetic(o); }
 };
 
@@ -1111,7 +1116,11 @@ void Writer::write(AcDbObjectId id) {
   AcDbObject* obj = peek(id);
   if (!writable(obj)) return;
   const RecordExtra* re = recordExtra(obj);
-  if (re != nullptr && !obj->hostModified()) out.raw(bytes.substr(re->begin, re->end - re->begin));
+  // The entry count of a table head is a hint that readers do not rely on:
+  // a loaded head is written as read even when records were added, so that
+  // adding a layer changes no record of the file.
+  const bool asRead = re != nullptr && (!obj->hostModified() || AcDbSymbolTable::cast(obj) != nullptr);
+  if (asRead) out.raw(bytes.substr(re->begin, re->end - re->begin));
   else regenerate(obj);
   out.maybeFlush();
   if (auto* e = AcDbEntity::cast(obj)) {
@@ -1171,27 +1180,70 @@ void Writer::rbTags(const resbuf* rb) {
 }
 
 void Writer::entityFields(const AcDbEntity* e) {
-  if (!d.paperSpace.isNull() && e->ownerId() == d.paperSpace) w().tagInt(67, 1);
+  if (!d.paperSpace.isNull() && e->ownerId() == d.paperSpace) integer(67, 1);
   const std::wstring layer = nameOf(e->layerId());
-  w().tag(8, enc(layer.empty() ? L"0" : layer));
+  text(8, (layer.empty() ? L"0" : layer));
   if (!e->linetypeId().isNull()) {
     const std::wstring lt = nameOf(e->linetypeId());
-    if (!lt.empty() && !sameNoCase(lt, L"ByLayer")) w().tag(6, enc(lt));
+    if (!lt.empty() && !sameNoCase(lt, L"ByLayer")) text(6, (lt));
   }
-  if (e->colorIndex() != 256) w().tagInt(62, e->colorIndex());
-  if (d.version >= 1015 && e->lineWeight() != AcDb::kLnWtByLayer) w().tagInt(370, e->lineWeight());
-  if (e->linetypeScale() != 1.0) w().tag(48, e->linetypeScale());
-  if (e->visibility() == AcDb::kInvisible) w().tagInt(60, 1);
+  if (e->colorIndex() != 256) integer(62, e->colorIndex());
+  if (d.version >= 1015 && e->lineWeight() != AcDb::kLnWtByLayer) integer(370, e->lineWeight());
+  if (e->linetypeScale() != 1.0) real(48, e->linetypeScale());
+  if (e->visibility() == AcDb::kInvisible) integer(60, 1);
   if (d.version >= 1021 && !e->materialId().isNull()) w().tag(347, hexOf(e->materialId().handle()));
 }
 
+// A number that an edit left unchanged keeps its original text (digits,
+// padding), so that a regenerated record differs only where it was changed.
+void Writer::real(int code, double v) {
+  if (orig_ && orig_->has(sub_, code)) {
+    const std::string_view text = orig_->str(sub_, code);
+    double was = 0;
+    if (parseDouble(text, was) && std::memcmp(&was, &v, sizeof v) == 0) {
+      w().tag(code, text);
+      return;
+    }
+  }
+  w().tag(code, v);
+}
+
+void Writer::integer(int code, std::int64_t v) {
+  if (orig_ && orig_->has(sub_, code)) {
+    const std::string_view text = orig_->str(sub_, code);
+    std::int64_t was = 0;
+    if (parseInt(text, was) && was == v) {
+      w().tag(code, text);
+      return;
+    }
+  }
+  w().tagInt(code, v);
+}
+
+void Writer::text(int code, const std::wstring& v) {
+  if (orig_ && orig_->has(sub_, code)) {
+    const std::string_view was = orig_->str(sub_, code);
+    if (d.codec->decode(was) == v) {
+      w().tag(code, was);
+      return;
+    }
+  }
+  w().tag(code, enc(v));
+}
+
 void Writer::fields(const AcDbObject* obj, const ClassDef& def, std::size_t sub, const FieldReader* orig, bool fresh) {
+  orig_ = orig;
+  sub_ = sub;
   // The original text of a field the database keeps no value for.
   auto keep = [&](int code, std::string_view dflt) -> std::string_view {
     if (orig && orig->has(sub, code)) return orig->str(sub, code);
     return dflt;
   };
-  auto pt = [&](int code, const AcGePoint3d& p) { w().point(code, p.x, p.y, p.z); };
+  auto pt = [&](int code, const AcGePoint3d& p) {
+    real(code, p.x);
+    real(code + 10, p.y);
+    real(code + 20, p.z);
+  };
   auto normal = [&](const AcGeVector3d& n) {
     if (n.x != 0.0 || n.y != 0.0 || n.z != 1.0) w().point(210, n.x, n.y, n.z);
   };
@@ -1201,85 +1253,85 @@ void Writer::fields(const AcDbObject* obj, const ClassDef& def, std::size_t sub,
     return;
   }
   if (auto* l = AcDbLine::cast(obj)) {
-    if (l->thickness() != 0.0) w().tag(39, l->thickness());
+    if (l->thickness() != 0.0) real(39, l->thickness());
     pt(10, l->startPoint());
     pt(11, l->endPoint());
     normal(l->normal());
   } else if (auto* a = AcDbArc::cast(obj)) {
     if (sub == 1) {
-      if (a->thickness() != 0.0) w().tag(39, a->thickness());
+      if (a->thickness() != 0.0) real(39, a->thickness());
       pt(10, a->center());
-      w().tag(40, a->radius());
+      real(40, a->radius());
       normal(a->normal());
     } else {
-      w().tag(50, toDegrees(a->startAngle()));
-      w().tag(51, toDegrees(a->endAngle()));
+      real(50, toDegrees(a->startAngle()));
+      real(51, toDegrees(a->endAngle()));
     }
   } else if (auto* c = AcDbCircle::cast(obj)) {
-    if (c->thickness() != 0.0) w().tag(39, c->thickness());
+    if (c->thickness() != 0.0) real(39, c->thickness());
     pt(10, c->center());
-    w().tag(40, c->radius());
+    real(40, c->radius());
     normal(c->normal());
   } else if (auto* p = AcDbPolyline::cast(obj)) {
     const unsigned n = p->numVerts();
-    w().tagInt(90, n);
-    w().tagInt(70, (p->isClosed() ? 1 : 0) | (p->hasPlinegen() ? 128 : 0));
+    integer(90, n);
+    integer(70, (p->isClosed() ? 1 : 0) | (p->hasPlinegen() ? 128 : 0));
     double cw = 0;
     const bool constant = p->getConstantWidth(cw) == Acad::eOk;
-    if (constant) w().tag(43, cw);
-    if (p->elevation() != 0.0) w().tag(38, p->elevation());
-    if (p->thickness() != 0.0) w().tag(39, p->thickness());
+    if (constant) real(43, cw);
+    if (p->elevation() != 0.0) real(38, p->elevation());
+    if (p->thickness() != 0.0) real(39, p->thickness());
     for (unsigned i = 0; i < n; ++i) {
       AcGePoint2d q;
       p->getPointAt(i, q);
-      w().tag(10, q.x);
-      w().tag(20, q.y);
+      real(10, q.x);
+      real(20, q.y);
       double sw = 0, ew = 0, b = 0;
       p->getWidthsAt(i, sw, ew);
       if (!constant && (sw != 0.0 || ew != 0.0)) {
-        w().tag(40, sw);
-        w().tag(41, ew);
+        real(40, sw);
+        real(41, ew);
       }
       p->getBulgeAt(i, b);
-      if (b != 0.0) w().tag(42, b);
+      if (b != 0.0) real(42, b);
     }
     normal(p->normal());
   } else if (auto* p2 = AcDb2dPolyline::cast(obj)) {
-    w().tagInt(66, 1);
+    integer(66, 1);
     w().point(10, 0.0, 0.0, p2->elevation());
-    if (p2->thickness() != 0.0) w().tag(39, p2->thickness());
+    if (p2->thickness() != 0.0) real(39, p2->thickness());
     const AcDb::Poly2dType t = p2->polyType();
-    w().tagInt(70, (p2->isClosed() ? 1 : 0) | (t == AcDb::k2dFitCurvePoly ? 2 : 0) |
+    integer(70, (p2->isClosed() ? 1 : 0) | (t == AcDb::k2dFitCurvePoly ? 2 : 0) |
                        (t == AcDb::k2dQuadSplinePoly || t == AcDb::k2dCubicSplinePoly ? 4 : 0) |
                        (p2->isLinetypeGenerationOn() ? 128 : 0));
-    if (p2->defaultStartWidth() != 0.0) w().tag(40, p2->defaultStartWidth());
-    if (p2->defaultEndWidth() != 0.0) w().tag(41, p2->defaultEndWidth());
-    if (t == AcDb::k2dQuadSplinePoly) w().tagInt(75, 5);
-    if (t == AcDb::k2dCubicSplinePoly) w().tagInt(75, 6);
+    if (p2->defaultStartWidth() != 0.0) real(40, p2->defaultStartWidth());
+    if (p2->defaultEndWidth() != 0.0) real(41, p2->defaultEndWidth());
+    if (t == AcDb::k2dQuadSplinePoly) integer(75, 5);
+    if (t == AcDb::k2dCubicSplinePoly) integer(75, 6);
     normal(p2->normal());
   } else if (auto* p3 = AcDb3dPolyline::cast(obj)) {
-    w().tagInt(66, 1);
+    integer(66, 1);
     w().point(10, 0.0, 0.0, 0.0);
     const AcDb::Poly3dType t = p3->polyType();
-    w().tagInt(70, 8 | (p3->isClosed() ? 1 : 0) | (t != AcDb::k3dSimplePoly ? 4 : 0));
-    if (t == AcDb::k3dQuadSplinePoly) w().tagInt(75, 5);
-    if (t == AcDb::k3dCubicSplinePoly) w().tagInt(75, 6);
+    integer(70, 8 | (p3->isClosed() ? 1 : 0) | (t != AcDb::k3dSimplePoly ? 4 : 0));
+    if (t == AcDb::k3dQuadSplinePoly) integer(75, 5);
+    if (t == AcDb::k3dCubicSplinePoly) integer(75, 6);
   } else if (auto* v2 = AcDb2dVertex::cast(obj)) {
     if (sub != 2) return;
     pt(10, v2->position());
-    if (v2->startWidth() != 0.0) w().tag(40, v2->startWidth());
-    if (v2->endWidth() != 0.0) w().tag(41, v2->endWidth());
-    if (v2->bulge() != 0.0) w().tag(42, v2->bulge());
+    if (v2->startWidth() != 0.0) real(40, v2->startWidth());
+    if (v2->endWidth() != 0.0) real(41, v2->endWidth());
+    if (v2->bulge() != 0.0) real(42, v2->bulge());
     const AcDb::Vertex2dType t = v2->vertexType();
-    w().tagInt(70, (t == AcDb::k2dCurveFitVertex ? 1 : 0) | (v2->isTangentUsed() ? 2 : 0) |
+    integer(70, (t == AcDb::k2dCurveFitVertex ? 1 : 0) | (v2->isTangentUsed() ? 2 : 0) |
                        (t == AcDb::k2dSplineFitVertex ? 8 : 0) | (t == AcDb::k2dSplineCtlVertex ? 16 : 0));
-    if (v2->isTangentUsed()) w().tag(50, toDegrees(v2->tangent()));
-    if (v2->vertexIdentifier() != 0) w().tagInt(91, v2->vertexIdentifier());
+    if (v2->isTangentUsed()) real(50, toDegrees(v2->tangent()));
+    if (v2->vertexIdentifier() != 0) integer(91, v2->vertexIdentifier());
   } else if (auto* v3 = AcDb3dPolylineVertex::cast(obj)) {
     if (sub != 2) return;
     pt(10, v3->position());
     const AcDb::Vertex3dType t = v3->vertexType();
-    w().tagInt(70, 32 | (t == AcDb::k3dFitVertex ? 8 : 0) | (t == AcDb::k3dControlVertex ? 16 : 0));
+    integer(70, 32 | (t == AcDb::k3dFitVertex ? 8 : 0) | (t == AcDb::k3dControlVertex ? 16 : 0));
   } else if (auto* f = AcDbFace::cast(obj)) {
     int inv = 0;
     for (Adesk::UInt16 k = 0; k < 4; ++k) {
@@ -1290,7 +1342,7 @@ void Writer::fields(const AcDbObject* obj, const ClassDef& def, std::size_t sub,
       f->isEdgeVisibleAt(k, vis);
       if (!vis) inv |= 1 << k;
     }
-    if (inv) w().tagInt(70, inv);
+    if (inv) integer(70, inv);
   } else if (AcDbBlockBegin::cast(obj)) {
     if (sub == 1) {
       const std::wstring name = nameOf(obj->ownerId());
@@ -1300,40 +1352,40 @@ void Writer::fields(const AcDbObject* obj, const ClassDef& def, std::size_t sub,
     std::int64_t n = 0;
     for (const AcDbObjectId& id : records(t))
       if (writable(peek(id))) ++n;
-    w().tagInt(70, n);
+    integer(70, n);
   } else if (auto* rec = AcDbSymbolTableRecord::cast(obj)) {
     if (sub != 1) return;
     const ACHAR* name = nullptr;
     rec->getName(name);
-    w().tag(2, enc(name ? name : L""));
+    text(2, (name ? name : L""));
     if (auto* l = AcDbLayerTableRecord::cast(rec)) {
       std::int64_t flags = 0;
       if (orig && orig->has(1, 70)) flags = orig->integer(1, 70) & ~std::int64_t{7};
-      w().tagInt(70, flags | (l->isFrozen() ? 1 : 0) | (l->VPDFLT() ? 2 : 0) | (l->isLocked() ? 4 : 0));
+      integer(70, flags | (l->isFrozen() ? 1 : 0) | (l->VPDFLT() ? 2 : 0) | (l->isLocked() ? 4 : 0));
       const int color = l->color().colorIndex();
-      w().tagInt(62, l->isOff() ? -color : color);
+      integer(62, l->isOff() ? -color : color);
       const std::wstring lt = nameOf(l->linetypeObjectId());
-      w().tag(6, enc(lt.empty() ? L"Continuous" : lt));
+      text(6, (lt.empty() ? L"Continuous" : lt));
       if (d.version >= 1015) {
-        if (!l->isPlottable()) w().tagInt(290, 0);
-        w().tagInt(370, l->lineWeight());
+        if (!l->isPlottable()) integer(290, 0);
+        integer(370, l->lineWeight());
       }
       if (d.version >= 1021 && !l->materialId().isNull()) w().tag(347, hexOf(l->materialId().handle()));
     } else if (auto* lt = AcDbLinetypeTableRecord::cast(rec)) {
       w().tag(70, keep(70, "0"));
       const ACHAR* comments = nullptr;
       lt->comments(comments);
-      w().tag(3, enc(comments ? comments : L""));
+      text(3, (comments ? comments : L""));
       if (fresh) {
-        w().tagInt(72, 65);
-        w().tagInt(73, lt->numDashes());
-        w().tag(40, lt->patternLength());
+        integer(72, 65);
+        integer(73, lt->numDashes());
+        real(40, lt->patternLength());
         for (int k = 0; k < lt->numDashes(); ++k) {
-          w().tag(49, lt->dashLengthAt(k));
-          if (d.version >= 1012) w().tagInt(74, 0);
+          real(49, lt->dashLengthAt(k));
+          if (d.version >= 1012) integer(74, 0);
         }
       }
-    } else {
+    } else if (AcDbRegAppTableRecord::cast(rec)) {
       w().tag(70, keep(70, "0"));
     }
   } else if (auto* dict = AcDbDictionary::cast(obj)) {
@@ -1343,7 +1395,7 @@ void Writer::fields(const AcDbObject* obj, const ClassDef& def, std::size_t sub,
     for (const auto& en : entries(dict)) {
       AcDbObject* target = peek(en.id);
       if (target != nullptr && target->isErased()) continue;
-      w().tag(3, enc(en.key));
+      text(3, (en.key));
       w().tag(code, en.id.isNull() ? std::string("0") : hexOf(en.id.handle()));
     }
   } else if (auto* x = AcDbXrecord::cast(obj)) {
@@ -1354,8 +1406,8 @@ void Writer::fields(const AcDbObject* obj, const ClassDef& def, std::size_t sub,
       acutRelRb(rb);
     }
   } else if (auto* m = AcDbMaterial::cast(obj)) {
-    w().tag(1, enc(m->name()));
-    if (m->description() && *m->description()) w().tag(2, enc(m->description()));
+    text(1, (m->name()));
+    if (m->description() && *m->description()) text(2, (m->description()));
   } else if (auto* st = AcDbSortentsTable::cast(obj)) {
     w().tag(330, hexOf(st->blockId().handle()));
     for (const auto& pr : Access::sortHandles(st)) {
@@ -1403,7 +1455,14 @@ void Writer::regenerate(AcDbObject* obj) {
     if (re) keptTags(sr.head);
     else w().tag(2, tableNameOf(obj));
   }
-  if (!r12 || d.handles) w().tagHex(handleCode, obj->handle());
+  // R12 writes handles only where the file has them ($HANDLING, never on
+  // table heads); a regenerated record keeps what its original had.
+  bool handle = !r12 || (d.handles && type != "TABLE");
+  if (r12 && re) {
+    handle = false;
+    for (std::size_t i = 1; i < tags.size() && !handle; ++i) handle = tags[i].code == handleCode;
+  }
+  if (handle) w().tagHex(handleCode, obj->handle());
   if (!r12) {
     keptTags(sr.appData);
     const std::vector<AcDbObjectId> reactors = reactorIds(obj);
@@ -1592,6 +1651,18 @@ std::unique_ptr<DrawingExtra> skeletonOf(AcDbDatabase* db) {
     w.tag(0, "SECTION");
     w.tag(2, "OBJECTS");
   });
+  // Readers resolve the plot style of a layer through the entry "Normal"
+  // of ACAD_PLOTSTYLENAME, as CAD programs make it in every drawing.
+  if (auto* styles = AcDbDictionary::cast(peek(findEntry(db->namedObjectsDictionaryId(), L"ACAD_PLOTSTYLENAME")))) {
+    if (findEntry(styles->objectId(), L"Normal").isNull()) {
+      auto* normal = new VoraUnknownObject(unknownClass("ACDBPLACEHOLDER", false), "ACDBPLACEHOLDER");
+      AcDbObjectId nid;
+      while (addObjectWithHandle(db, normal, db->handseed(), nid) == Acad::eHandleExists) {
+      }
+      setOwner(normal, styles->objectId());
+      appendDictEntry(styles, L"Normal", nid);
+    }
+  }
   obj(Item::kObject, db->namedObjectsDictionaryId());
   obj(Item::kNewObjects, AcDbObjectId());
   raw([&] {

@@ -148,3 +148,194 @@ TEST(DxfIo, FailedSaveLeavesTheOldFile) {
 }
 
 }  // namespace
+
+namespace {
+
+// Makes db the working database for the scope (acdbRegApp works on it).
+struct WorkingDatabase {
+  AcDbDatabase* old;
+  explicit WorkingDatabase(AcDbDatabase* db) : old(acdbHostApplicationServices()->workingDatabase()) {
+    acdbHostApplicationServices()->setWorkingDatabase(db);
+  }
+  ~WorkingDatabase() { acdbHostApplicationServices()->setWorkingDatabase(old); }
+};
+
+// The shared checkers (dxfcheck.py, dxfdiff.py): $VORA_SHARED_DIR/tools, or
+// ../shared/tools next to the repository; empty when neither exists.
+std::string sharedTools() {
+  const char* env = std::getenv("VORA_SHARED_DIR");
+  for (const std::string& dir : {env ? std::string(env) : std::string(),
+                                 std::string(VORA_TEST_DATA_DIR) + "/../../../shared"}) {
+    if (!dir.empty() && fs::exists(dir + "/tools/dxfdiff.py")) return dir + "/tools/";
+  }
+  return std::string();
+}
+
+bool haveEzdxf() { return std::system("/usr/bin/python3 -c 'import ezdxf' >/dev/null 2>&1") == 0; }
+
+std::string sourceDir() { return std::string(VORA_TEST_DATA_DIR) + "/../host/dxf/"; }
+
+AcDbObjectId addLayer(AcDbDatabase* db, const ACHAR* name, Adesk::UInt16 color) {
+  AcDbLayerTable* table = nullptr;
+  EXPECT_EQ(db->getLayerTable(table, AcDb::kForWrite), Acad::eOk);
+  auto* rec = new AcDbLayerTableRecord;
+  rec->setName(name);
+  AcCmColor c;
+  c.setColorIndex(color);
+  rec->setColor(c);
+  AcDbObjectId id;
+  EXPECT_EQ(table->add(id, rec), Acad::eOk);
+  rec->close();
+  table->close();
+  return id;
+}
+
+AcDbObjectId addEntity(AcDbDatabase* db, AcDbEntity* e) {
+  AcDbBlockTableRecord* ms = nullptr;
+  EXPECT_EQ(acdbOpenObject(ms, db->modelSpaceId(), AcDb::kForWrite), Acad::eOk);
+  AcDbObjectId id;
+  EXPECT_EQ(ms->appendAcDbEntity(id, e), Acad::eOk);
+  ms->close();
+  return id;
+}
+
+// Two 3D polylines with vertices (i + k/2, 2i, i/10) and extended data, the
+// second closed, on layer "survey".
+void addPolylines(AcDbDatabase* db, AcDbObjectId layer) {
+  WorkingDatabase working(db);
+  acdbRegApp(L"VORA_TEST");
+  for (int k = 0; k < 2; ++k) {
+    auto* p = new AcDb3dPolyline;
+    p->setLayer(layer);
+    if (k == 1) p->setClosed(true);
+    const AcDbObjectId pid = addEntity(db, p);
+    for (int i = 0; i < 4; ++i) {
+      auto* v = new AcDb3dPolylineVertex(AcGePoint3d(i + 0.5 * k, 2.0 * i, 0.1 * i));
+      EXPECT_EQ(p->appendVertex(v), Acad::eOk);
+      v->close();
+    }
+    std::wstring text = L"line " + std::to_wstring(k);
+    resbuf* xd = acutBuildList(AcDb::kDxfRegAppName, L"VORA_TEST", AcDb::kDxfXdAsciiString, text.c_str(),
+                               AcDb::kDxfXdInteger16, k, AcDb::kDxfXdReal, 2.5, 0);
+    EXPECT_EQ(p->setXData(xd), Acad::eOk);
+    acutRelRb(xd);
+    p->close();
+    (void)pid;
+  }
+}
+
+TEST(DxfIo, BuiltDrawingReadsBackHereAndInEzdxf) {
+  TempDir tmp;
+  const std::string out = tmp.file("built.dxf");
+  {
+    AcDbDatabase db(true, true);
+    const AcDbObjectId survey = addLayer(&db, L"survey", 3);
+    const AcDbObjectId design = addLayer(&db, L"design \u00e4\u20ac", 5);
+    addPolylines(&db, survey);
+    auto* line = new AcDbLine(AcGePoint3d(0, 0, 0), AcGePoint3d(10, 0.1, 0));
+    line->setLayer(design);
+    addEntity(&db, line);
+    line->close();
+    AcDbDictionary* nod = nullptr;
+    ASSERT_EQ(db.getNamedObjectsDictionary(nod, AcDb::kForWrite), Acad::eOk);
+    auto* dict = new AcDbDictionary;
+    AcDbObjectId dictId, xId;
+    ASSERT_EQ(nod->setAt(L"VORA_DATA", dict, dictId), Acad::eOk);
+    nod->close();
+    auto* x = new AcDbXrecord;
+    resbuf* data = acutBuildList(1, L"tolerance", 40, 0.001, 70, 3, 0);
+    x->setFromRbChain(*data);
+    acutRelRb(data);
+    ASSERT_EQ(dict->setAt(L"settings", x, xId), Acad::eOk);
+    x->close();
+    dict->close();
+    ASSERT_EQ(db.dxfOut(wide(out).c_str()), Acad::eOk) << dxf::lastErrorMessage();
+    EXPECT_EQ(vorahost::openObjectCount(&db), 0u);
+  }
+  // Our own reader.
+  auto db = load(out);
+  ASSERT_TRUE(db);
+  EXPECT_EQ(dxf::drawingVersion(db.get()), "AC1032");
+  AcDbBlockTableRecord* ms = nullptr;
+  ASSERT_EQ(acdbOpenObject(ms, db->modelSpaceId(), AcDb::kForRead), Acad::eOk);
+  AcDbBlockTableRecordIterator* it = nullptr;
+  ms->newIterator(it);
+  int plines = 0;
+  for (; !it->done(); it->step()) {
+    AcDbEntity* e = nullptr;
+    ASSERT_EQ(it->getEntity(e, AcDb::kForRead), Acad::eOk);
+    if (auto* p = AcDb3dPolyline::cast(e)) {
+      AcDbObjectIterator* vi = p->vertexIterator();
+      int i = 0;
+      for (; !vi->done(); vi->step(), ++i) {
+        AcDb3dPolylineVertex* v = nullptr;
+        ASSERT_EQ(acdbOpenObject(v, vi->objectId(), AcDb::kForRead), Acad::eOk);
+        EXPECT_EQ(v->position(), AcGePoint3d(i + 0.5 * plines, 2.0 * i, 0.1 * i));
+        v->close();
+      }
+      delete vi;
+      EXPECT_EQ(i, 4);
+      EXPECT_EQ(p->isClosed(), plines == 1);
+      resbuf* xd = p->xData(L"VORA_TEST");
+      ASSERT_NE(xd, nullptr);
+      ASSERT_NE(xd->rbnext, nullptr);
+      EXPECT_EQ(std::wstring(xd->rbnext->resval.rstring), L"line " + std::to_wstring(plines));
+      acutRelRb(xd);
+      ++plines;
+    }
+    e->close();
+  }
+  delete it;
+  ms->close();
+  EXPECT_EQ(plines, 2);
+  if (!haveEzdxf()) GTEST_SKIP() << "ezdxf (Debian python3-ezdxf) is not installed";
+  const std::string cmd = "/usr/bin/python3 " + sourceDir() + "ezdxf_built_check.py " + out;
+  EXPECT_EQ(std::system(cmd.c_str()), 0) << cmd;
+}
+
+// Edits to a loaded drawing: a changed entity is written from its fields, the
+// rest stays as read, new objects follow the file's version.
+void editAndCheck(const std::string& name, const char* lineHandle) {
+  TempDir tmp;
+  const std::string in = std::string(VORA_TEST_DATA_DIR) + "/corpus/" + name;
+  const std::string out = tmp.file("edited.dxf");
+  {
+    auto db = load(in);
+    ASSERT_TRUE(db);
+    AcDbObjectId lineId;
+    ASSERT_EQ(db->getAcDbObjectId(lineId, false, AcDbHandle(lineHandle)), Acad::eOk);
+    AcDbLine* line = nullptr;
+    ASSERT_EQ(acdbOpenObject(line, lineId, AcDb::kForWrite), Acad::eOk);
+    line->setEndPoint(AcGePoint3d(1.25, -2.5, 0.125));
+    line->close();
+    const AcDbObjectId layer = addLayer(db.get(), L"survey", 3);
+    addPolylines(db.get(), layer);
+    ASSERT_EQ(db->dxfOut(wide(out).c_str()), Acad::eOk) << dxf::lastErrorMessage();
+  }
+  auto db = load(out);
+  ASSERT_TRUE(db);
+  AcDbObjectId lineId;
+  ASSERT_EQ(db->getAcDbObjectId(lineId, false, AcDbHandle(lineHandle)), Acad::eOk);
+  AcDbLine* line = nullptr;
+  ASSERT_EQ(acdbOpenObject(line, lineId, AcDb::kForRead), Acad::eOk);
+  EXPECT_EQ(line->endPoint(), AcGePoint3d(1.25, -2.5, 0.125));
+  line->close();
+  AcDbLayerTable* layers = nullptr;
+  ASSERT_EQ(db->getLayerTable(layers, AcDb::kForRead), Acad::eOk);
+  EXPECT_TRUE(layers->has(L"survey"));
+  layers->close();
+  const std::string tools = sharedTools();
+  if (!tools.empty()) {
+    const std::string cmd = "/usr/bin/python3 " + tools + "dxfdiff.py --quiet --allow-added --expect-changed " + lineHandle +
+                            ",$HANDSEED " + in + " " + out;
+    EXPECT_EQ(std::system(cmd.c_str()), 0) << cmd;
+  }
+  if (!haveEzdxf()) GTEST_SKIP() << "ezdxf (Debian python3-ezdxf) is not installed";
+  const std::string cmd = "/usr/bin/python3 " + sourceDir() + "ezdxf_edit_check.py " + in + " " + out;
+  EXPECT_EQ(std::system(cmd.c_str()), 0) << cmd;
+}
+
+TEST(DxfIo, EditedR12DrawingKeepsItsFormat) { editAndCheck("r12-acad-example-3dpoly.dxf", "8B"); }
+TEST(DxfIo, EditedR2018DrawingKeepsItsFormat) { editAndCheck("r2004-ezdxf-text-alignments.dxf", "30"); }
+
+}  // namespace

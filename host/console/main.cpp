@@ -7,9 +7,26 @@
 #include <string>
 #include <vector>
 
+#include "host/console/options.h"
 #include "host/dxf/dxfio.h"
 #include "host/dxf/encoding.h"
 #include "vora/arx.h"
+
+namespace vora_console {
+
+std::vector<Option>& optionList() {
+  static std::vector<Option> options;
+  return options;
+}
+
+bool registerOption(const Option& option) {
+  optionList().push_back(option);
+  return true;
+}
+
+const std::vector<Option>& registeredOptions() { return optionList(); }
+
+}  // namespace vora_console
 
 namespace {
 
@@ -21,6 +38,12 @@ const char* kUsage =
     "  -o, --output FILE   save the drawing to FILE, in its own DXF version\n"
     "  --list              print one line per model-space entity: handle, DXF type, layer\n"
     "  -h, --help          show this text\n";
+
+void printUsage(std::FILE* to) {
+  std::fputs(kUsage, to);
+  for (const auto& o : vora_console::registeredOptions())
+    std::fprintf(to, "  %s %s\n", o.name, o.help);
+}
 
 std::wstring widen(const std::string& s) {
   const vora_host::dxf::TextCodec utf8("AC1032", "");
@@ -64,23 +87,35 @@ int listModelSpace(AcDbDatabase* db) {
 int main(int argc, char** argv) {
   std::string input, output;
   bool list = false;
+  std::vector<std::pair<const vora_console::Option*, std::string>> actions;
   for (int i = 1; i < argc; ++i) {
     const std::string a = argv[i];
     if (a == "-h" || a == "--help") {
-      std::fputs(kUsage, stdout);
+      printUsage(stdout);
       return 0;
+    }
+    const vora_console::Option* extra = nullptr;
+    for (const auto& o : vora_console::registeredOptions())
+      if (a == o.name) extra = &o;
+    if (extra != nullptr) {
+      if (extra->takesValue && i + 1 >= argc) {
+        printUsage(stderr);
+        return fail("option '" + a + "' needs a value");
+      }
+      actions.emplace_back(extra, extra->takesValue ? argv[++i] : "");
+      continue;
     }
     if ((a == "-i" || a == "--input" || a == "-o" || a == "--output") && i + 1 < argc) {
       (a == "-i" || a == "--input" ? input : output) = argv[++i];
     } else if (a == "--list") {
       list = true;
     } else {
-      std::fputs(kUsage, stderr);
+      printUsage(stderr);
       return fail("unknown or incomplete option '" + a + "'");
     }
   }
   if (input.empty()) {
-    std::fputs(kUsage, stderr);
+    printUsage(stderr);
     return fail("no drawing given (-i IN.dxf)");
   }
   std::unique_ptr<AcDbDatabase> db(new AcDbDatabase(false, true));
@@ -88,6 +123,10 @@ int main(int argc, char** argv) {
   acdbHostApplicationServices()->setWorkingDatabase(db.get());
   int status = 0;
   if (list) status = listModelSpace(db.get());
+  for (const auto& [option, value] : actions) {
+    if (status != 0) break;
+    status = option->run(db.get(), value);
+  }
   if (status == 0 && !output.empty() && db->dxfOut(widen(output).c_str()) != Acad::eOk)
     status = fail(vora_host::dxf::lastErrorMessage());
   acdbHostApplicationServices()->setWorkingDatabase(nullptr);

@@ -174,6 +174,9 @@ struct Loader {
                            std::unordered_map<std::string, AcDbObjectId>& cache);
   AcDbObjectId synthesize(AcDbObject* obj);
   void ensureTables();
+  void ensureSpaces();
+  std::uint64_t modelLayoutBlock_ = 0;
+  bool spacesDone_ = false;
   AcDbObjectId blockNamed(std::string_view name);
   bool placeEntity(const RecordCursor& c, const Record& r, AcDbObject* obj, AcDbObjectId id, bool inBlocks);
   void push(Item::Kind kind, std::size_t begin, std::size_t end, AcDbObjectId id = AcDbObjectId());
@@ -255,6 +258,16 @@ void Loader::common(AcDbObject* obj, const Record& r, const RecordCursor& c) {
       acutRelRb(rb);
     }
   }
+}
+
+bool isSynthetic(const AcDbObject* o);
+
+// R14 and some exporters spell the layout blocks in capitals; the database
+// knows them by their usual spelling.
+std::wstring canonicalName(const std::wstring& name) {
+  if (foldKey(name.c_str()) == foldKey(L"*Model_Space")) return L"*Model_Space";
+  if (foldKey(name.c_str()) == foldKey(L"*Paper_Space")) return L"*Paper_Space";
+  return name;
 }
 
 ACHAR* newString(const std::wstring& s) {
@@ -368,7 +381,7 @@ AcDbObjectId Loader::recordNamed(AcDbObjectId table, std::string_view name, AcDb
     auto* t = AcDbSymbolTable::cast(peek(table));
     if (t == nullptr) return id;
     AcDbSymbolTableRecord* rec = make();
-    rec->setName(wname.c_str());
+    rec->setName(canonicalName(wname).c_str());
     id = synthesize(rec);
     setOwner(rec, table);
     appendRecord(t, id);
@@ -415,14 +428,22 @@ void Loader::ensureTables() {
     if (!id.isNull() && peek(id) != nullptr) continue;
     setRoot(db_, n.root, synthesize(n.make()));
   }
-  if (db_->modelSpaceId().isNull()) blockNamed("*Model_Space");
-  if (db_->paperSpaceId().isNull()) blockNamed("*Paper_Space");
   layerNamed("0");
   if (root(db_, Root::NamedObjects).isNull() || peek(root(db_, Root::NamedObjects)) == nullptr)
     setRoot(db_, Root::NamedObjects, synthesize(new AcDbDictionary));
 }
 
 AcDbObjectId refOf(Loader* l, std::uint64_t h) { return l->idOf(h); }
+
+// Model and paper space, once BLOCKS has been read (its BLOCK records may be
+// what names them).
+void Loader::ensureSpaces() {
+  if (spacesDone_) return;
+  spacesDone_ = true;
+  if (db_->modelSpaceId().isNull()) blockNamed("*Model_Space");
+  if (db_->paperSpaceId().isNull()) blockNamed("*Paper_Space");
+  d_.paperSpace = db_->paperSpaceId();
+}
 
 double toRadians(double deg) { return deg * (3.14159265358979323846 / 180.0); }
 double toDegrees(double rad) { return rad * (180.0 / 3.14159265358979323846); }
@@ -640,19 +661,23 @@ bool Loader::placeEntity(const RecordCursor& c, const Record& r, AcDbObject* obj
   if ((type == "VERTEX" || type == "SEQEND" || type == "ATTRIB") && !seqOwner_.isNull()) return false;
   if (type == "SEQEND") return false;
   AcDbObjectId block;
+  bool paper = false;
+  for (std::size_t i = 1; i < c.tags().size(); ++i)
+    if (c.tags()[i].code == 67) {
+      std::int64_t v = 0;
+      parseInt(c.value(i), v);
+      paper = v == 1;
+      break;
+    }
   if (inBlocks) {
     block = blockId_;
   } else if (r.owner) {
     block = idOf(r.owner);
+    // ENTITIES holds model space and the active paper space only: an owner
+    // of another name there is model space under a name of the writer's.
+    if (!paper && block != db_->modelSpaceId() && block != db_->paperSpaceId() && modelLayoutBlock_ == 0)
+      modelLayoutBlock_ = r.owner;
   } else {
-    bool paper = false;
-    for (std::size_t i = 1; i < c.tags().size(); ++i)
-      if (c.tags()[i].code == 67) {
-        std::int64_t v = 0;
-        parseInt(c.value(i), v);
-        paper = v == 1;
-        break;
-      }
     block = paper ? db_->paperSpaceId() : db_->modelSpaceId();
   }
   pending_.push_back({id, block});
@@ -677,7 +702,7 @@ AcDbObject* Loader::makeTableRecord(const RecordCursor& c, const Record& r, AcDb
   if (rec != nullptr && tableKnown_) {
     const SplitRecord sr = splitRecord(*def, bytes, c.tags(), r.xdata, type == "DIMSTYLE" ? 105 : 5);
     const FieldReader f{bytes, c.tags(), sr, *def, *d_.codec};
-    rec->setName(f.text(1, 2).c_str());
+    rec->setName(canonicalName(f.text(1, 2)).c_str());
     if (auto* l = AcDbLayerTableRecord::cast(rec)) {
       const std::int64_t flags = f.integer(1, 70);
       l->setIsFrozen((flags & 1) != 0);
@@ -770,6 +795,19 @@ AcDbObject* Loader::makeObject(const RecordCursor& c, const Record& r, AcDbObjec
   } else {
     obj = new VoraUnknownObject(unknownClass(std::string(type), false), std::string(type));
     addObject(obj, r, c.begin(), c.end(), id);
+    if (type == "LAYOUT") {
+      // The layout named "Model" tells which block record is model space.
+      bool inLayout = false;
+      std::string_view name;
+      std::uint64_t block = 0;
+      for (std::size_t i = 1; i < c.tags().size(); ++i) {
+        const int code = c.tags()[i].code;
+        if (code == 100) inLayout = c.value(i) == "AcDbLayout";
+        else if (inLayout && code == 1) name = c.value(i);
+        else if (inLayout && code == 330 && block == 0) parseHex(c.value(i), block);
+      }
+      if (name == "Model" && block) modelLayoutBlock_ = block;  // the layout has the last word
+    }
   }
   common(obj, r, c);
   return obj;
@@ -858,9 +896,9 @@ void Loader::run() {
       section = c.tags().size() > 1 ? std::string(c.value(1)) : std::string();
       if (section != "HEADER" && section != "CLASSES" && section != "TABLES" && !tablesDone) {
         ensureTables();
-        d_.paperSpace = db_->paperSpaceId();
         tablesDone = true;
       }
+      if (section == "ENTITIES" || section == "OBJECTS") ensureSpaces();
       push(section == "HEADER" ? Item::kHeader : Item::kRaw, c.begin(), c.end());
       continue;
     }
@@ -926,14 +964,25 @@ void Loader::run() {
       if (type == "BLOCK") {
         AcDbObjectId btr;
         if (r.owner) btr = idOf(r.owner);
+        std::string_view name;
+        for (std::size_t i = 1; i < c.tags().size(); ++i)
+          if (c.tags()[i].code == 2) {
+            name = c.value(i);
+            break;
+          }
         if (btr.isNull() || peek(btr) == nullptr) {
-          std::string_view name;
-          for (std::size_t i = 1; i < c.tags().size(); ++i)
-            if (c.tags()[i].code == 2) {
-              name = c.value(i);
-              break;
-            }
           btr = blockNamed(name);
+        } else {
+          // Some writers give the layout blocks' records other names (an
+          // R14 export names *MODEL_SPACE's record "*U"); the BLOCK says which
+          // it is.
+          const std::wstring wname = canonicalName(d_.codec->decode(name));
+          AcDbSymbolTableRecord* rec = nullptr;
+          if ((wname == L"*Model_Space" || wname == L"*Paper_Space") && db_->modelSpaceId() != btr &&
+              db_->paperSpaceId() != btr && acdbOpenObject(rec, btr, AcDb::kForWrite) == Acad::eOk) {
+            rec->setName(wname.c_str());
+            rec->close();
+          }
         }
         blockId_ = btr;
         AcDbObject* b = makeEntity(c, r, id, true);
@@ -973,9 +1022,19 @@ void Loader::run() {
     // CLASSES, THUMBNAILIMAGE, ACDSDATA and sections nobody knows: as they are.
     push(Item::kRaw, c.begin(), c.end());
   }
-  if (!tablesDone) {
-    ensureTables();
-    d_.paperSpace = db_->paperSpaceId();
+  if (!tablesDone) ensureTables();
+  ensureSpaces();
+  // An exporter that names the model space record otherwise ("*U" in an R14
+  // file) still links it from the "Model" layout.
+  if (modelLayoutBlock_) {
+    const AcDbObjectId ms = idOf(modelLayoutBlock_);
+    const AcDbObjectId current = db_->modelSpaceId();
+    AcDbSymbolTableRecord* rec = nullptr;
+    if (ms != current && AcDbBlockTableRecord::cast(peek(ms)) && acdbOpenObject(rec, ms, AcDb::kForWrite) == Acad::eOk) {
+      if (AcDbObject* old = peek(current); old && isSynthetic(old)) Access::setErased(old, true);
+      if (rec->setName(L"*Model_Space") != Acad::eOk && peek(current)) Access::setErased(peek(current), false);
+      rec->close();
+    }
   }
   // Second pass: entities into their blocks, now that every block is there.
   for (const auto& p : pending_) {

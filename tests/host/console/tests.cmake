@@ -1,0 +1,15 @@
+# The vora console against the DXF corpus (see console_test.sh). The checks
+# with the shared tools run when ../shared (next to the repository) exists and
+# are skipped otherwise.
+if(TARGET vora)
+  set(_vora_corpus ${CMAKE_CURRENT_LIST_DIR}/../../data/corpus)
+  get_filename_component(_vora_shared ${PROJECT_SOURCE_DIR}/../shared ABSOLUTE)
+  if(DEFINED ENV{VORA_SHARED_DIR})
+    set(_vora_shared $ENV{VORA_SHARED_DIR})
+  endif()
+  foreach(mode cli tools ezdxf)
+    add_test(NAME console.${mode}
+      COMMAND bash ${CMAKE_CURRENT_LIST_DIR}/console_test.sh $<TARGET_FILE:vora> ${_vora_corpus} ${mode} ${_vora_shared})
+    set_tests_properties(console.${mode} PROPERTIES SKIP_RETURN_CODE 77 TIMEOUT 600)
+  endforeach()
+endif()

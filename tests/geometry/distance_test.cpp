@@ -251,4 +251,73 @@ TEST(DistPointPlane, ProjectionAndUnsquaredValueTolerance) {
   EXPECT_DOUBLE_EQ(t.foot[1], 0.0);
 }
 
+// The polar angle as the arc functions take it: the arctangent of the slope
+// with a quadrant fix-up (not atan2, which differs in the last bit).
+double slopeAngle(double dx, double dy) {
+  double a = std::atan(dy / dx);
+  if (dx < 0.0) a += kPi;
+  if (a < 0.0) a += 2 * kPi;
+  return a;
+}
+
+TEST(DistPointArcExact, FootAndParameterFollowTheWrittenOrder) {
+  constexpr double kTwoPi = 6.283185307179586;
+  const double circle[3] = {0, 0, 2};
+  // atan(0.3 / -0.1) + pi and atan2(0.3, -0.1) differ in the last bit.
+  const double p[3] = {-0.1, 0.3, 0};
+  const double alpha = slopeAngle(-0.1, 0.3);
+  ASSERT_NE(alpha, std::atan2(0.3, -0.1));
+  Out o;
+  const double inside[2] = {0.1, 5.1};
+  vora_distpointarcsigned(circle, inside, p, o.foot, &o.param);
+  EXPECT_POINT(o.foot, std::cos(alpha) * 2.0, std::sin(alpha) * 2.0, 0.0);
+  EXPECT_EQ(o.param, (alpha - 0.1) / (5.1 - 0.1));
+
+  // Beyond the end (nearer than the start): past / W + 1.0.
+  const double early[2] = {0.1, 0.7};
+  vora_distpointarcsigned(circle, early, p, nullptr, &o.param);
+  EXPECT_EQ(o.param, (alpha - 0.7) / (0.7 - 0.1) + 1.0);
+  // Before the start: -back / W.
+  const double late[2] = {2.3, 5.1};
+  vora_distpointarcsigned(circle, late, p, nullptr, &o.param);
+  EXPECT_EQ(o.param, -(2.3 - alpha) / (5.1 - 2.3));
+
+  // Wrapping arcs: W = end + 2pi - start; a point before end counts from
+  // start through 2pi.
+  const double wrapBeforeEnd[2] = {5.1, 2.3};
+  vora_distpointarcsigned(circle, wrapBeforeEnd, p, nullptr, &o.param);
+  EXPECT_EQ(o.param, (alpha + kTwoPi - 5.1) / (2.3 + kTwoPi - 5.1));
+  const double q[3] = {-0.1, 0.1, 0}, wrapNearEnd[2] = {2.5, 2.4};
+  const double beta = slopeAngle(-0.1, 0.1);
+  vora_distpointarcsigned(circle, wrapNearEnd, q, nullptr, &o.param);
+  EXPECT_EQ(o.param, (beta + kTwoPi - 2.5) / (2.4 + kTwoPi - 2.5));
+  const double wrapAfterStart[2] = {0.7, 0.1};
+  vora_distpointarcsigned(circle, wrapAfterStart, p, nullptr, &o.param);
+  EXPECT_EQ(o.param, (alpha - 0.7) / (0.1 + kTwoPi - 0.7));
+  // Clockwise: the same quantity subtracted from 1.0.
+  const double cw[3] = {0, 0, -2};
+  vora_distpointarcsigned(cw, wrapBeforeEnd, p, nullptr, &o.param);
+  EXPECT_EQ(o.param, 1.0 - (alpha + kTwoPi - 5.1) / (2.3 + kTwoPi - 5.1));
+}
+
+TEST(DistPointExact, FeetOfTheSpatialLineAndThePlane) {
+  const double a[3] = {0.1, 0.2, 0.3}, b[3] = {0.3, -2.3, 0.9}, p[3] = {0.3, 1.1, -1.9};
+  const double u[3] = {b[0] - a[0], b[1] - a[1], b[2] - a[2]};
+  const double s = u[0] * u[0] + u[1] * u[1] + u[2] * u[2];
+  const double dot = (p[0] - a[0]) * u[0] + (p[1] - a[1]) * u[1] + (p[2] - a[2]) * u[2];
+  const double t = dot / s;
+  Out o;
+  vora_distpointline3d(a, b, p, o.foot, &o.param);
+  EXPECT_EQ(o.param, t);
+  EXPECT_POINT(o.foot, a[0] + t * u[0], a[1] + t * u[1], a[2] + t * u[2]);
+
+  // Plane foot: k / S first, then times the normal.
+  const double n[3] = {0.1, 0.7, 1.1}, r[3] = {0.1, 1.1, -1.9};
+  const double sn = n[0] * n[0] + n[1] * n[1] + n[2] * n[2];
+  const double k = (a[0] - r[0]) * n[0] + (a[1] - r[1]) * n[1] + (a[2] - r[2]) * n[2];
+  Out q;
+  EXPECT_EQ(vora_distpointplane(n, a, r, q.foot), std::fabs(k) / std::sqrt(sn));
+  EXPECT_POINT(q.foot, r[0] + k / sn * n[0], r[1] + k / sn * n[1], r[2] + k / sn * n[2]);
+}
+
 }  // namespace

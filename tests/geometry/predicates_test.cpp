@@ -98,4 +98,34 @@ TEST(Zpt, StationsAlongPlanLength) {
   EXPECT_EQ(vora_zpt(&pts, 15.0), 60.0);
 }
 
+TEST(ConvertAngle, OperationOrderAndUnitZeroBoundary) {
+  const double pi = 3.141592653589793;
+  // Multiply by 180 first, then divide by pi; the other order differs here.
+  ASSERT_NE(0.7 * 180.0 / pi, 0.7 / pi * 180.0);
+  EXPECT_EQ(vora_convertAngle(0.7, 4, 3), 0.7 * 180.0 / pi);
+  // An angle of exactly tolValue is not "within" it: the run is 1/tan.
+  EXPECT_EQ(vora_convertAngle(1e-07, 4, 0), 1.0 / std::tan(1e-07));
+  EXPECT_EQ(vora_convertAngle(-1e-07, 4, 0), 1.0 / std::tan(-1e-07));
+  EXPECT_EQ(vora_convertAngle(1e-07, 0, 4), std::atan(1.0 / 1e-07));
+}
+
+TEST(Zpt, InterpolationOrderAndZeroLengthLeadingSegment) {
+  AcGePoint3dArray pts;
+  pts.append(AcGePoint3d(0, 0, 10.1));
+  pts.append(AcGePoint3d(3, 4, 20.3));
+  // The product with the rise comes before the division by the length.
+  const double expected = (1.7 - 5.0 + 5.0) * (20.3 - 10.1) / 5.0 + 10.1;
+  ASSERT_NE(expected, (1.7 - 5.0 + 5.0) / 5.0 * (20.3 - 10.1) + 10.1);
+  EXPECT_EQ(vora_zpt(&pts, 1.7), expected);
+
+  // Station 0 never enters the walk, so a leading segment of no plan length
+  // is not divided by.
+  AcGePoint3dArray stacked;
+  stacked.append(AcGePoint3d(1, 1, 7));
+  stacked.append(AcGePoint3d(1, 1, 9));
+  stacked.append(AcGePoint3d(4, 5, 11));
+  EXPECT_EQ(vora_zpt(&stacked, 0.0), 7.0);
+  EXPECT_EQ(vora_zpt(&stacked, 2.5), 10.0);
+}
+
 }  // namespace

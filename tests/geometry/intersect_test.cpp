@@ -99,6 +99,13 @@ INSTANTIATE_TEST_SUITE_P(
         // The segment margin is strict.
         LineLineCase{"MarginIsStrict", 0, 0, 1, 0, 1.5, -1, 1.5, 1, 0, 0, T, 0.5, -1, 0, 0},
         LineLineCase{"InsideWideMargin", 0, 0, 1, 0, 1.25, -1, 1.25, 1, 0, 0, T, 0.5, 1, 1.25, 0},
+        LineLineCase{"MarginIsStrictAtStart", 0, 0, 1, 0, -0.5, -1, -0.5, 1, 0, 0, T, 0.5, -1, 0, 0},
+        // Two lines within tolValue of vertical (not steep enough to be
+        // exchanged) are apart only when their u differ by tolValue or more.
+        LineLineCase{"NearVerticalPairWithinValueTolerance", 0, 0, 0.4, 0.2, 0.3, 1, 0.6, 1.1, 1, 1, 0.5, T, 2, 0.3,
+                     1},
+        // Parallel lines whose intercepts differ by exactly tolValue are apart.
+        LineLineCase{"InterceptsExactlyTolValueApart", 0, 0, 1, 0, 0.25, 0.5, 1.25, 0.5, 1, 1, 0.5, T, -1, 0, 0},
         // Both lines steep and within tolValue of vertical: exchanging x and y
         // keeps the true crossing (1/11, 20/11).
         LineLineCase{"ExchangeKeepsTrueCrossing", 0, 0, 0.05, 1, 1, 0, 0.5, 1, 1, 1, 0.1, T, 1, 1.0 / 11, 20.0 / 11},
@@ -403,6 +410,115 @@ TEST(IntArcArc, AgreesWithCircleCircleOnFullCircles) {
   EXPECT_EQ(vora_intarcarc(c1, 2.5, 1.0, 2.0, c2, 1.75, 4.0, 5.0, b1.v, b2.v, 1, 1), n);
   EXPECT_POINT(b1.v, a1.v[0], a1.v[1], 0.0);
   EXPECT_POINT(b2.v, a2.v[0], a2.v[1], 0.0);
+}
+
+TEST(IntLineLineExact, VerticalLinesTakeTheWrittenFormulas) {
+  // Line 1 vertical: v = v2a - m2*u2a + m2*u1a.
+  const double v1[3] = {0.7, -5, 0}, v2[3] = {0.7, 5, 0};
+  const double s1[3] = {0.1, 0.3, 0}, s2[3] = {1.3, 0.9, 0};
+  const double m = (0.9 - 0.3) / (1.3 - 0.1);
+  ASSERT_NE(0.3 - m * 0.1 + m * 0.7, 0.3 + m * (0.7 - 0.1));
+  Pt out;
+  EXPECT_EQ(vora_intlineline(v1, v2, s1, s2, out.v, 1, 1), 1);
+  EXPECT_POINT(out.v, 0.7, 0.3 - m * 0.1 + m * 0.7, 0.0);
+  // Line 2 vertical: v = m1*u2a + k1 with k1 = v1a - m1*u1a.
+  const double k = 0.3 - m * 0.1;
+  ASSERT_NE(m * 0.7 + k, 0.3 + m * (0.7 - 0.1));
+  Pt swapped;
+  EXPECT_EQ(vora_intlineline(s1, s2, v1, v2, swapped.v, 1, 1), 1);
+  EXPECT_POINT(swapped.v, 0.7, m * 0.7 + k, 0.0);
+  // The points of line 1 given the other way round: k1 still comes from the
+  // point with the smaller u.
+  Pt reversed;
+  EXPECT_EQ(vora_intlineline(s2, s1, v1, v2, reversed.v, 1, 1), 1);
+  EXPECT_POINT(reversed.v, 0.7, m * 0.7 + k, 0.0);
+}
+
+TEST(IntLineCircleExact, TangentPointAndDiscriminantBoundary) {
+  // With a large tolValue every line that reaches the circle counts as a
+  // tangent, met at D*dy/S, -D*dx/S from the centre.
+  const double a[3] = {0.1, 1.1, 0}, b[3] = {-0.7, 0.7, 0}, centre[3] = {0.3, 0.2, 0};
+  const double x1 = a[0] - centre[0], y1 = a[1] - centre[1], x2 = b[0] - centre[0], y2 = b[1] - centre[1];
+  const double dx = x2 - x1, dy = y2 - y1, s = dx * dx + dy * dy, det = x1 * y2 - x2 * y1;
+  {
+    ToleranceGuard guard(1e9, kDefaultTol);
+    Pt out1, out2;
+    EXPECT_EQ(vora_intlinecircle(a, b, centre, 1.1, out1.v, out2.v, 1), 1);
+    EXPECT_POINT(out1.v, det * dy / s + centre[0], -det * dx / s + centre[1], 0.0);
+    EXPECT_TRUE(out2.untouched());
+  }
+  {
+    // dy < 0 here: the x offsets take the sign -1 and the y offsets |dy|.
+    ASSERT_LT(dy, 0.0);
+    const double root = std::sqrt(1.1 * 1.1 * s - det * det);
+    Pt out1, out2;
+    EXPECT_EQ(vora_intlinecircle(a, b, centre, 1.1, out1.v, out2.v, 1), 2);
+    EXPECT_POINT(out1.v, (det * dy + -1.0 * dx * root) / s + centre[0], (-det * dx + -dy * root) / s + centre[1],
+                 0.0);
+    EXPECT_POINT(out2.v, (det * dy - -1.0 * dx * root) / s + centre[0], (-det * dx - -dy * root) / s + centre[1],
+                 0.0);
+  }
+  // The chord y = 0.75 of the unit circle has a discriminant of exactly 7:
+  // a tangent only when that is strictly under tolValue.
+  const double c[3] = {-2, 0.75, 0}, d[3] = {2, 0.75, 0}, o[3] = {0, 0, 0};
+  {
+    ToleranceGuard guard(7.0, kDefaultTol);
+    EXPECT_EQ(vora_intlinecircle(c, d, o, 1.0, nullptr, nullptr, 0), 2);
+  }
+  ToleranceGuard guard(7.5, kDefaultTol);
+  EXPECT_EQ(vora_intlinecircle(c, d, o, 1.0, nullptr, nullptr, 0), 1);
+}
+
+TEST(IntCircleCircleExact, PointsFromTheRotatedChordOffsets) {
+  // P and Q are (a, +h) and (a, -h) turned by the polar angle of c2 - c1.
+  const auto offsets = [](const double* c1, double r1, const double* c2, double r2) {
+    const AcGePoint2d p1(c1[0], c1[1]), p2(c2[0], c2[1]);
+    const double len = p1.distanceTo(p2);
+    const double a = (len * len - r2 * r2 + r1 * r1) * 0.5 / len;
+    const double h = std::sqrt(r1 * r1 - a * a);
+    const double theta = (p2 - p1).angle();
+    std::pair<AcGeVector2d, AcGeVector2d> pq{AcGeVector2d(a, h), AcGeVector2d(a, -h)};
+    pq.first.rotateBy(theta);
+    pq.second.rotateBy(theta);
+    return pq;
+  };
+  const double c1[3] = {0.1, 0.3, 0}, c2[3] = {1.3, 0.7, 0};
+  const auto [left, right] = offsets(c1, 0.9, c2, 1.1);
+  Pt out1, out2;
+  ASSERT_EQ(vora_intcirclecircle(c1, 0.9, c2, 1.1, out1.v, out2.v), 2);
+  EXPECT_POINT(out1.v, c1[0] + left.x, c1[1] + left.y, 0.0);
+  EXPECT_POINT(out2.v, c1[0] + right.x, c1[1] + right.y, 0.0);
+
+  // Crossings closer together than a wide tolPoint count as touching, at
+  // their midpoint taken as P + (Q - P) * 0.5.
+  ToleranceGuard guard(kDefaultTol, 1.0);
+  const double c3[3] = {0.3, 0.7, 0};
+  const auto [p, q] = offsets(c1, 0.3, c3, 0.7);
+  ASSERT_NE(p.x, q.x);
+  const AcGeVector2d mid = p + (q - p) * 0.5;
+  Pt t1, t2;
+  ASSERT_EQ(vora_intcirclecircle(c1, 0.3, c3, 0.7, t1.v, t2.v), 1);
+  EXPECT_POINT(t1.v, c1[0] + mid.x, c1[1] + mid.y, 0.0);
+  EXPECT_POINT(t2.v, c1[0] + mid.x, c1[1] + mid.y, 0.0);
+  Pt a1, a2;
+  ASSERT_EQ(vora_intarcarc(c1, 0.3, 0, 0, c3, 0.7, 0, 0, a1.v, a2.v, 1, 1), 1);
+  EXPECT_POINT(a1.v, c1[0] + mid.x, c1[1] + mid.y, 0.0);
+  EXPECT_POINT(a2.v, c1[0] + mid.x, c1[1] + mid.y, 0.0);
+}
+
+TEST(IntCircleCircle, RadiusThatIsNotANumberMeetsNothing) {
+  const double o[3] = {0, 0, 0}, two[3] = {2, 0, 0};
+  Pt out1, out2;
+  EXPECT_EQ(vora_intcirclecircle(o, std::nan(""), two, 1, out1.v, out2.v), -1);
+  EXPECT_TRUE(out1.untouched() && out2.untouched());
+}
+
+TEST(IntLineArc, EqualStartAndEndIsTheWholeCircle) {
+  // end not greater than start wraps through 0: with end == start every
+  // angle is on the arc.
+  const double a[3] = {-2, 0.5, 0}, b[3] = {2, 0.5, 0}, o[3] = {0, 0, 0}, one[3] = {1, 0, 0};
+  EXPECT_EQ(vora_intlinearc(a, b, o, 1, 1.0, 1.0, nullptr, nullptr, 0, 0), 2);
+  EXPECT_EQ(vora_intarcarc(o, 1, 4.0, 4.0, one, 1, 2.5, 2.5, nullptr, nullptr, 0, 0), 2);
 }
 
 }  // namespace

@@ -346,4 +346,113 @@ TEST(IntLineTriangle, RandomCrossingsLieOnThePlaneAndInPlan) {
   EXPECT_GT(hits, 500);
 }
 
+TEST(IntPlinePlane, ZeroPointToleranceKeepsNoCrossing) {
+  // The on-segment test is strict: with tolPoint 0 even an exact crossing
+  // (its distance from the carrier exactly 0) is not kept.
+  AcGePoint3dArray pts;
+  pts.append(AcGePoint3d(0, 0, 0));
+  pts.append(AcGePoint3d(0, 0, 10));
+  const P pp{0, 0, 5}, n{0, 0, 1};
+  P out = kSentinel;
+  EXPECT_EQ(vora_intplineplane(&pts, 0, pp.data(), n.data(), out.data()), 1);
+  expectPoint(out, 0, 0, 5);
+  ToleranceGuard guard(1e-07, 0.0);
+  out = kSentinel;
+  EXPECT_EQ(vora_intplineplane(&pts, 0, pp.data(), n.data(), out.data()), 0);
+  expectPoint(out, kSentinel[0], kSentinel[1], kSentinel[2]);
+}
+
+TEST(PointInTriangleExact, ElevationsFollowTheWrittenSums) {
+  const P t0{0.1, 0.3, 1.3}, t1{2.3, 0.7, -0.9}, t2{0.9, 1.9, 3.3};
+  // Plan weights of t1 (s) and t2 (w), then z = dz1*s + z0 + dz2*w.
+  const double x = 0.2, y = 0.4;
+  const double det = t0[0] * (t1[1] - t2[1]) + t1[0] * (t2[1] - t0[1]) + t2[0] * (t0[1] - t1[1]);
+  const double s = (t0[1] * t2[0] - t0[0] * t2[1] + (t2[1] - t0[1]) * x + (t0[0] - t2[0]) * y) / det;
+  const double w = (t1[1] * t0[0] - t0[1] * t1[0] + (t0[1] - t1[1]) * x + (t1[0] - t0[0]) * y) / det;
+  P p{x, y, 0};
+  EXPECT_EQ(vora_pointintriangle2d(t0.data(), t1.data(), t2.data(), p.data()), 1);
+  EXPECT_EQ(p[2], (t1[2] - t0[2]) * s + t0[2] + (t2[2] - t0[2]) * w);
+  ASSERT_NE(p[2], (t1[2] - t0[2]) * s + (t2[2] - t0[2]) * w + t0[2]);
+
+  // In space: z = s*u.z + z0 + t*v.z with the projected weights.
+  const double u[3] = {t1[0] - t0[0], t1[1] - t0[1], t1[2] - t0[2]};
+  const double v[3] = {t2[0] - t0[0], t2[1] - t0[1], t2[2] - t0[2]};
+  const double q[3] = {0.1, 1.6, -0.1};
+  const double wq[3] = {q[0] - t0[0], q[1] - t0[1], q[2] - t0[2]};
+  const double uu = u[0] * u[0] + u[1] * u[1] + u[2] * u[2], vv = v[0] * v[0] + v[1] * v[1] + v[2] * v[2];
+  const double uv = u[0] * v[0] + u[1] * v[1] + u[2] * v[2];
+  const double wu = wq[0] * u[0] + wq[1] * u[1] + wq[2] * u[2], wv = wq[0] * v[0] + wq[1] * v[1] + wq[2] * v[2];
+  const double d = uv * uv - vv * uu;
+  const double s3 = (wv * uv - wu * vv) / d, t3 = (wu * uv - wv * uu) / d;
+  P r{q[0], q[1], q[2]};
+  EXPECT_EQ(vora_pointintriangle3d(t0.data(), t1.data(), t2.data(), r.data()), 1);
+  EXPECT_EQ(r[2], s3 * u[2] + t0[2] + t3 * v[2]);
+  ASSERT_NE(r[2], s3 * u[2] + t3 * v[2] + t0[2]);
+}
+
+TEST(PointInTriangle2d, BorderTestsAreStrict) {
+  const P t0{0, 0, 0}, t1{10, 0, 0}, t2{0, 10, 10};
+  {
+    // With tolPoint 0 a point exactly on an edge is outside: its weight of
+    // 0 fails the strict inside test and no distance is below 0.
+    ToleranceGuard guard(1e-07, 0.0);
+    P p{5, 0, -1};
+    EXPECT_EQ(vora_pointintriangle2d(t0.data(), t1.data(), t2.data(), p.data()), 0);
+    EXPECT_EQ(p[2], 0.0);
+  }
+  // A point exactly tolPoint from a corner in x (and on the extension of an
+  // edge) is not at the corner.
+  ToleranceGuard guard(1e-07, 0.5);
+  P p{-0.5, 0, -1};
+  EXPECT_EQ(vora_pointintriangle2d(t0.data(), t1.data(), t2.data(), p.data()), 0);
+  p = {-0.4, 0, -1};
+  EXPECT_EQ(vora_pointintriangle2d(t0.data(), t1.data(), t2.data(), p.data()), 1);
+}
+
+TEST(PointInTriangle3d, DeterminantBoundIsStrict) {
+  // D = uv^2 - vv*uu = -1 here: degenerate only when strictly under tolValue.
+  const P t0{0, 0, 0}, t1{1, 0, 0}, t2{0, 1, 0};
+  ToleranceGuard guard(1.0, 1e-07);
+  P p{0.25, 0.25, 3};
+  EXPECT_EQ(vora_pointintriangle3d(t0.data(), t1.data(), t2.data(), p.data()), 1);
+  expectPoint(p, 0.25, 0.25, 0.0);
+}
+
+TEST(IntLineTriangle, ValueToleranceBoundsOnDenominatorAndParameter) {
+  const P t0{0, 0, 0}, t1{10, 0, 0}, t2{0, 10, 0};
+  ToleranceGuard guard(0.5, 1e-07);
+  P out = kSentinel;
+  // |n.d| = 0.5 is not under tolValue 0.5.
+  const P a{2, 2, -0.25}, b{2, 2, 0.25};
+  EXPECT_EQ(vora_intlinetriangle(a.data(), b.data(), t0.data(), t1.data(), t2.data(), out.data(), 0), 1);
+  expectPoint(out, 2, 2, 0);
+  // t = 1.5 = 1 + tolValue still counts for a segment.
+  const P c{2, 2, -3}, d{2, 2, -1};
+  EXPECT_EQ(vora_intlinetriangle(c.data(), d.data(), t0.data(), t1.data(), t2.data(), out.data(), 0), 1);
+  // t = -0.25 lies within tolValue (not tolPoint) behind a.
+  const P e{2, 2, 0.5}, f{2, 2, 2.5};
+  EXPECT_EQ(vora_intlinetriangle(e.data(), f.data(), t0.data(), t1.data(), t2.data(), out.data(), 0), 1);
+  EXPECT_EQ(vora_intlinetriangle(e.data(), f.data(), t0.data(), t1.data(), t2.data(), out.data(), 1), 1);
+  // The denominator uses the unit normal, not the cross product (of length
+  // 100 here): 0.5 is under tolValue 0.6, so the line counts as parallel.
+  ToleranceGuard wider(0.6, 1e-07);
+  out = kSentinel;
+  EXPECT_EQ(vora_intlinetriangle(a.data(), b.data(), t0.data(), t1.data(), t2.data(), out.data(), 0), 0);
+  expectPoint(out, kSentinel[0], kSentinel[1], kSentinel[2]);
+}
+
+TEST(IntLineTriangle, CrossingIsThatOfThePlaneThroughT0WithTheUnitNormal) {
+  const P t0{0.1, 0.3, 1.3}, t1{2.3, 0.7, -0.9}, t2{0.9, 1.9, 3.3};
+  const P a{0.7, 0.9, -2.1}, b{1.1, 0.3, 4.7};
+  AcGeVector3d n = AcGeVector3d(t1[0] - t0[0], t1[1] - t0[1], t1[2] - t0[2])
+                       .crossProduct(AcGeVector3d(t2[0] - t0[0], t2[1] - t0[1], t2[2] - t0[2]));
+  n.normalize();
+  const P normal{n.x, n.y, n.z};
+  P expected = kSentinel;
+  ASSERT_EQ(vora_intlineplane(a.data(), b.data(), t0.data(), normal.data(), expected.data()), 1);
+  P out = kSentinel;
+  vora_intlinetriangle(a.data(), b.data(), t0.data(), t1.data(), t2.data(), out.data(), 1);
+  expectPoint(out, expected[0], expected[1], expected[2]);
+}
+
 }  // namespace

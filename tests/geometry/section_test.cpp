@@ -281,6 +281,106 @@ TEST(IntTriangleTriangle, SkipTouchingRejectsShortOverlaps) {
   EXPECT_EQ(meet(a0, a1, a2, b0, b1, b2, 0.01, 1).result, 1);
 }
 
+TEST(IntPlaneTriangle, IsolatedCornerFoundInTheWrittenOrder) {
+  // t0 on the plane, t1 above, t2 below: both "t2 isolated" and "t1
+  // isolated" hold; t2 is tested first, so the far end is computed from t2
+  // towards t1 (the other direction differs in the last bit here).
+  const P t0{0.1, 0.3, 0}, t1{0.1, 0.1, 0.1}, t2{0.1, 1.7, -0.1};
+  P fromT2 = kSentinel, fromT1 = kSentinel;
+  ASSERT_EQ(vora_intlineplane(t2.data(), t1.data(), kOrigin.data(), kUp.data(), fromT2.data()), 1);
+  ASSERT_EQ(vora_intlineplane(t1.data(), t2.data(), kOrigin.data(), kUp.data(), fromT1.data()), 1);
+  ASSERT_NE(fromT2, fromT1);
+  const Section s = cut(t0, t1, t2, kOrigin, kUp, 1e-6);
+  EXPECT_EQ(s.result, 1);
+  EXPECT_EQ(s.out1, t0);
+  EXPECT_EQ(s.out2, fromT2);
+}
+
+TEST(IntPlaneTriangle, CornerDistanceZeroedOnlyStrictlyUnderTolValue) {
+  // e = 0.5 for t0 is not under tolValue 0.5: t0 stays above the band of
+  // 0.25 and is the isolated corner, rather than a corner touching the plane.
+  ToleranceGuard guard(0.5, 1e-07);
+  const P t0{0, 0, 0.5}, t1{1, 0, -1}, t2{0, 1, -1};
+  P end1 = kSentinel, end2 = kSentinel;
+  ASSERT_EQ(vora_intlineplane(t0.data(), t2.data(), kOrigin.data(), kUp.data(), end1.data()), 1);
+  ASSERT_EQ(vora_intlineplane(t0.data(), t1.data(), kOrigin.data(), kUp.data(), end2.data()), 1);
+  const Section s = cut(t0, t1, t2, kOrigin, kUp, 0.25);
+  EXPECT_EQ(s.result, 1);
+  EXPECT_EQ(s.out1, end1);
+  EXPECT_EQ(s.out2, end2);
+}
+
+TEST(IntTriangleTriangle, EachSectionSnapsOntoItsOwnSharedCorners) {
+  // a1 coincides with b0. B's plane takes b1 as its point and A's section is
+  // snapped at a1 only (row 1 of the matrix): the crossing towards a0 stays
+  // a crossing.
+  const P a0{2, 1, 1}, a1{0, 0, 0}, a2{1, 2, -1};
+  const P b0{0, 0, 0}, b1{4, 0, 0}, b2{0, 4, 0};
+  const Section s = meet(a0, a1, a2, b0, b1, b2, 1e-6);
+  EXPECT_EQ(s.result, 1);
+  expectPoint(s.out1, 0, 0, 0);
+  expectPoint(s.out2, 1.5, 1.5, 0);
+}
+
+TEST(IntTriangleTriangle, EqualSpreadInXAndYOrdersAlongY) {
+  // B's section runs from (0.5, 0.5) to (1.5, -0.5): |dx| = |dy|, so y is
+  // the axis and its low end is (1.5, -0.5). It lies inside A's section.
+  const P a0{-4, -4, 0}, a1{8, -4, 0}, a2{-4, 8, 0};
+  const P b0{0, 1, -1}, b1{1, 0, 1}, b2{2, -1, -1};
+  const Section s = meet(a0, a1, a2, b0, b1, b2, 1e-6);
+  EXPECT_EQ(s.result, 1);
+  expectPoint(s.out1, 1.5, -0.5, 0);
+  expectPoint(s.out2, 0.5, 0.5, 0);
+}
+
+TEST(IntTriangleTriangle, SkipTouchingKeepsAnOverlapOfExactlyTol) {
+  // Sections [0, 1.5] (A) and [1.25, 3] (B) along x overlap over exactly
+  // tol = 0.25: its squared length is not under tol squared.
+  const P a0{0, 0, 0}, a1{2, 0, 0}, a2{0, 2, 0};
+  const P b0{1.25, 0.5, -1}, b1{1.25, 0.5, 1}, b2{3, 0.5, 0};
+  const Section s = meet(a0, a1, a2, b0, b1, b2, 0.25, 1);
+  EXPECT_EQ(s.result, 1);
+  expectPoint(s.out1, 1.25, 0.5, 0);
+  expectPoint(s.out2, 1.5, 0.5, 0);
+  EXPECT_EQ(meet(a0, a1, a2, b0, b1, b2, 0.2500001, 1).result, 0);
+}
+
+TEST(IntTriangleTriangle, AxisThresholdsAreStrict) {
+  // A lies in the plane y = 0; both B triangles cross it with one corner on it.
+  const P a0{-2, 0, -2}, a1{4, 0, -2}, a2{-2, 0, 6};
+  {
+    // B's section runs from (0.25, 0, 0) to (0, 0, 2): |dx| = tol is not
+    // under tol, so x is the axis and the end with the smaller x comes first.
+    const P b0{0.25, -1, 0}, b1{0.25, 1, 0}, b2{0, 0, 2};
+    const Section s = meet(a0, a1, a2, b0, b1, b2, 0.25);
+    EXPECT_EQ(s.result, 1);
+    expectPoint(s.out1, 0, 0, 2);
+    expectPoint(s.out2, 0.25, 0, 0);
+  }
+  // B's section runs from (0.125, 0, 0) to (0.25, 0, -0.25): x and y spread
+  // less than tol, so z is the axis, and |dz| = tol does not make it a point:
+  // the ends are ordered by z.
+  const P b0{0.125, -1, 0}, b1{0.125, 1, 0}, b2{0.25, 0, -0.25};
+  const Section s = meet(a0, a1, a2, b0, b1, b2, 0.25);
+  EXPECT_EQ(s.result, 1);
+  expectPoint(s.out1, 0.25, 0, -0.25);
+  expectPoint(s.out2, 0.125, 0, 0);
+}
+
+TEST(IntTriangleTriangle, CornersExactlyTolApartAreNotShared) {
+  // b0 lies exactly tol above a0: not coincident, so B's crossing towards b0
+  // is not snapped onto it (b0 is neither on nor above the band of A's plane).
+  const P a0{0, 0, 0}, a1{4, 0, 0}, a2{0, 4, 0};
+  const P b0{0, 0, 0.5}, b1{2, 1, 2}, b2{1, 2, -2};
+  P end1 = kSentinel, end2 = kSentinel;
+  ASSERT_EQ(vora_intlineplane(b2.data(), b0.data(), a0.data(), kUp.data(), end1.data()), 1);
+  ASSERT_EQ(vora_intlineplane(b2.data(), b1.data(), a0.data(), kUp.data(), end2.data()), 1);
+  const Section s = meet(a0, a1, a2, b0, b1, b2, 0.5);
+  EXPECT_EQ(s.result, 1);
+  EXPECT_EQ(s.out1, end1);
+  EXPECT_EQ(s.out2, end2);
+}
+
 double planeDistance(const P& t0, const P& t1, const P& t2, const P& p) {
   const double n[3] = {(t1[1] - t0[1]) * (t2[2] - t0[2]) - (t1[2] - t0[2]) * (t2[1] - t0[1]),
                        (t1[2] - t0[2]) * (t2[0] - t0[0]) - (t1[0] - t0[0]) * (t2[2] - t0[2]),

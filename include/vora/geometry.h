@@ -29,8 +29,10 @@ VORA_API int vora_collin3D(const double* a, const double* b, const double* c);
 VORA_API double vora_convertAngle(double value, int fromUnit, int toUnit);
 
 // Elevation at a plan station along the polyline through points (stations
-// are the running sum of plan segment lengths from the first point). Before
-// the start: first z; beyond the end: last z; empty array: 0.0.
+// are the running sum of plan segment lengths from the first point),
+// interpolated linearly on the segment that ends at or beyond the station.
+// At or before 0: first z; beyond the end: last z; empty array: 0.0.
+// Segments of no plan length are passed over.
 VORA_API double vora_zpt(const AcGePoint3dArray* points, double station);
 
 #endif

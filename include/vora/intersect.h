@@ -5,18 +5,24 @@
 // non-zero takes the infinite line through the two points instead of the
 // segment between them; `fullCircle` non-zero takes an arc's whole circle.
 // Arc angles are radians counter-clockwise from +x, expected in [0, 2*pi); an
-// arc whose end is not greater than its start runs through angle 0. A point is
-// on an arc when its angle times |radius| lies within tolPoint of the arc's
-// start and end, both scaled by |radius| (measured along the arc).
+// arc whose end is not greater than its start runs through angle 0 (so equal
+// angles give the whole circle). A point is on an arc when pos = R * angle
+// (R = |radius|, angle in [0, 2*pi)) satisfies R*start - tolPoint < pos and
+// pos < R*end + tolPoint, both for an arc with end > start, either one for
+// an arc through 0: the margin is a length along the arc.
 #ifndef VORA_INTERSECT_H
 #define VORA_INTERSECT_H
 
 #include "vora/arx.h"
 
 // Crossing of line a1-b1 with line a2-b2.
-// Returns 1 for a single crossing; 2 when the lines are collinear and overlap,
-// with out holding one end of the overlap (not both); -1 when they are parallel
-// or do not meet within the bounded segments (within tolPoint of their ends).
+// Returns 1 for a single crossing; -1 when the lines are parallel and apart,
+// or do not meet within the bounded segments (within tolPoint of their ends);
+// 2 when they are collinear (slopes and intercepts within tolValue) and the
+// start of one line (its end with the smaller coordinate along the lines)
+// lies strictly after the start of the other and strictly before the end of
+// line 2, out then holding that later start (one end of the overlap, not
+// both). Collinear lines that start at the same point give -1.
 // out, if given, is always written: the point on 1 or 2, (0, 0, -1) on -1.
 VORA_API int vora_intlineline(const double* a1, const double* b1, const double* a2, const double* b2, double* out,
                               unsigned char infinite1, unsigned char infinite2);
@@ -25,10 +31,13 @@ VORA_API int vora_intlineline(const double* a1, const double* b1, const double* 
 // Returns the number of points found, 0 to 2. A tangent line gives 1. On 1,
 // out1 is written and out2 left alone; on 2, out1 and out2 are written; on 0,
 // nothing is written.
-// A tangent point on a bounded segment is tested against the segment's
-// coordinate range as given from a to b, so it is found only when the tested
-// coordinate (x when b.x - a.x > b.y - a.y, else y) does not decrease from a
-// to b.
+// On a bounded segment one coordinate decides: x when b.x - a.x > b.y - a.y
+// (a signed comparison), else y. A crossing is kept when that coordinate lies
+// strictly within tolPoint of the segment's range, so a crossing off the
+// segment is kept when the segment does not extend in that coordinate. For a
+// tangent the range is taken from a to b as given, not ordered, so a tangent
+// to a segment whose tested coordinate decreases from a to b (by more than
+// 2 * tolPoint) is not found.
 VORA_API int vora_intlinecircle(const double* a, const double* b, const double* centre, double radius,
                                 double* out1, double* out2, unsigned char infinite);
 

@@ -54,8 +54,10 @@ VORA_API int vora_pointintriangle3d(const double* t0, const double* t1, const do
 // side gives that corner twice (result 1, zero length). snap holds nine bytes
 // in three groups of three; corner k is snapped when byte k, k + 3 or k + 6
 // is non-zero, and a crossing computed on an edge towards a snapped corner is
-// replaced by that corner. Returns 1 when the section is longer than tol (or
-// on a corner contact); 0 otherwise. On 0 the outputs may hold partial ends.
+// replaced by that corner. Returns 1 for those edge and corner contacts, or
+// when the section found is longer than tol; 0 otherwise, also for a triangle
+// with all three corners on the plane. On 0 the outputs may hold the ends
+// computed so far.
 VORA_API int vora_intplanetriangle(const double* t0, const double* t1, const double* t2, const double* planePoint,
                                    const double* normal, double* out1, double* out2, const unsigned char* snap,
                                    unsigned char skipTouching, double tol);

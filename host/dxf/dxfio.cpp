@@ -429,8 +429,6 @@ void Loader::ensureTables() {
     setRoot(db_, n.root, synthesize(n.make()));
   }
   layerNamed("0");
-  if (root(db_, Root::NamedObjects).isNull() || peek(root(db_, Root::NamedObjects)) == nullptr)
-    setRoot(db_, Root::NamedObjects, synthesize(new AcDbDictionary));
 }
 
 AcDbObjectId refOf(Loader* l, std::uint64_t h) { return l->idOf(h); }
@@ -1023,6 +1021,10 @@ void Loader::run() {
     push(Item::kRaw, c.begin(), c.end());
   }
   if (!tablesDone) ensureTables();
+  // Only now: the file's own named objects dictionary is the first
+  // dictionary of OBJECTS, which comes after the tables.
+  if (root(db_, Root::NamedObjects).isNull() || peek(root(db_, Root::NamedObjects)) == nullptr)
+    setRoot(db_, Root::NamedObjects, synthesize(new AcDbDictionary));
   ensureSpaces();
   // An exporter that names the model space record otherwise ("*U" in an R14
   // file) still links it from the "Model" layout.

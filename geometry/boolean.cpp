@@ -25,12 +25,22 @@ constexpr double kMatchDistance = 1e-8;
 
 using PolygonSet = AcArray<AcGePoint3dArray>;
 
+// Truncation toward zero. Offsets past the 64-bit range (and NaN) saturate,
+// which is still far outside Clipper's range: Clipper refuses them with its
+// own range error instead of the conversion being undefined.
+ClipperLib::cInt toGrid(double offset) {
+  constexpr double kLimit = 9223372036854775808.0;  // 2^63
+  constexpr ClipperLib::cInt kMax = std::numeric_limits<ClipperLib::cInt>::max();
+  const double v = offset / kGridStep;
+  if (!(v < kLimit)) return kMax;
+  if (!(v > -kLimit)) return -kMax;
+  return static_cast<ClipperLib::cInt>(v);
+}
+
 ClipperLib::Path toGridPath(const AcGePoint3dArray& polygon, double x0, double y0) {
   ClipperLib::Path path;
   path.reserve(static_cast<std::size_t>(polygon.length()));
-  for (const AcGePoint3d& p : polygon)
-    path.emplace_back(static_cast<ClipperLib::cInt>((p.x - x0) / kGridStep),
-                      static_cast<ClipperLib::cInt>((p.y - y0) / kGridStep));
+  for (const AcGePoint3d& p : polygon) path.emplace_back(toGrid(p.x - x0), toGrid(p.y - y0));
   return path;
 }
 

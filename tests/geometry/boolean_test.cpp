@@ -6,6 +6,8 @@
 #include <random>
 #include <vector>
 
+#include <polyclipping/clipper.hpp>
+
 #include "geometry/boolean_match.h"
 #include "vora/vora.h"
 
@@ -200,6 +202,21 @@ TEST(PolygonOperation, NewVerticesTakeHeightsFromTheReferenceLines) {
       EXPECT_EQ(c->z, 9.0);
     }
   }
+}
+
+TEST(PolygonOperation, OffsetsBeyondClippersRangeRaiseClippersError) {
+  // 5e9 drawing units from the origin is 5e18 grid steps, past Clipper's
+  // range; 1e12 is past the 64-bit range itself. The error is not caught.
+  const PolygonSet a = set({square(0, 0, 1)});
+  for (double far : {5e9, 1e12, -1e300}) {
+    const PolygonSet b = set({square(far, 0, 1)});
+    PolygonSet r;
+    EXPECT_THROW(vora_polygonOperation(0x10, &a, nullptr, &b, &r), ClipperLib::clipperException) << far;
+    EXPECT_EQ(r.length(), 0);
+  }
+  const PolygonSet nan = set({ring({{std::nan(""), 0, 0}, {1, 0, 0}, {1, 1, 0}})});
+  PolygonSet r;
+  EXPECT_THROW(vora_polygonOperation(0x10, &a, nullptr, &nan, &r), ClipperLib::clipperException);
 }
 
 // The index must answer exactly like a scan of every input vertex in order.

@@ -296,6 +296,24 @@ TEST(IntPlaneTriangle, IsolatedCornerFoundInTheWrittenOrder) {
   EXPECT_EQ(s.out2, fromT2);
 }
 
+TEST(IntPlaneTriangle, BothEndsAreTriedBeforeAMissingCrossingFails) {
+  // tolValue 0.5 zeroes t0's distance (e = -0.3) but with tol 0 it is not on
+  // the plane; t2 is isolated below and its edge to t0 has n.u = 0.3, under
+  // tolValue: that crossing is not found, out1 stays as it was, and the
+  // crossing towards t1 is still written to out2. A snap flag on t0 does not
+  // stand in for the missing crossing.
+  ToleranceGuard guard(0.5, 1e-07);
+  const P t0{0, 0, -0.3}, t1{1, 0, 1}, t2{0, 1, -0.6};
+  P towardT1 = kSentinel;
+  ASSERT_EQ(vora_intlineplane(t2.data(), t1.data(), kOrigin.data(), kUp.data(), towardT1.data()), 1);
+  for (const Snap& snap : {kNoSnap, Snap{1, 0, 0, 0, 0, 0, 0, 0, 0}}) {
+    const Section s = cut(t0, t1, t2, kOrigin, kUp, 0.0, snap);
+    EXPECT_EQ(s.result, 0);
+    EXPECT_EQ(s.out1, kSentinel);
+    EXPECT_EQ(s.out2, towardT1);
+  }
+}
+
 TEST(IntPlaneTriangle, CornerDistanceZeroedOnlyStrictlyUnderTolValue) {
   // e = 0.5 for t0 is not under tolValue 0.5: t0 stays above the band of
   // 0.25 and is the isolated corner, rather than a corner touching the plane.

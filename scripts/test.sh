@@ -22,7 +22,7 @@ ctest --preset sanitize -j "$jobs"
 
 echo "== DXF reader fuzzing (bounded, clang + libFuzzer)"
 cmake --preset fuzz >/dev/null
-cmake --build --preset fuzz -j "$jobs"
+cmake --build --preset fuzz -j "$jobs" --target dxf_reader_fuzz
 fuzz_work=$(mktemp -d)
 ./build/fuzz/fuzz/dxf_reader_fuzz -max_total_time=60 -max_len=65536 -rss_limit_mb=2048 \
   -print_final_stats=1 "$fuzz_work" tests/data/corpus

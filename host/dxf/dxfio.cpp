@@ -122,28 +122,32 @@ struct FieldReader {
 
 class Output {
 public:
-  Output(AtomicFile& file, bool crlf) : file_(file), w_(buf_, crlf) { buf_.reserve(kChunk + 4096); }
+  Output(AtomicFile* file, bool crlf) : file_(file), w_(buf_, crlf) { buf_.reserve(kChunk + 4096); }
+  // Into memory: everything stays in the buffer.
+  explicit Output(bool crlf) : file_(nullptr), w_(buf_, crlf) {}
+  std::string& buffer() { return buf_; }
   TagWriter& w() { return w_; }
   void raw(std::string_view bytes) {
-    if (bytes.size() > kChunk) {
+    if (file_ && bytes.size() > kChunk) {
       flush();
-      file_.write(bytes);
+      file_->write(bytes);
       return;
     }
     buf_.append(bytes);
     maybeFlush();
   }
   void maybeFlush() {
-    if (buf_.size() >= kChunk) flush();
+    if (file_ && buf_.size() >= kChunk) flush();
   }
   void flush() {
-    file_.write(buf_);
+    if (!file_) return;
+    file_->write(buf_);
     buf_.clear();
   }
 
 private:
   static constexpr std::size_t kChunk = 1 << 20;
-  AtomicFile& file_;
+  AtomicFile* file_;
   std::string buf_;
   TagWriter w_;
 };
@@ -286,8 +290,12 @@ resbuf* tagsToRb(const std::vector<Tag>& tags, std::size_t from, std::size_t to,
   for (std::size_t i = from; i < to; ++i) {
     const int code = tags[i].code;
     const std::string_view v = bytes.substr(tags[i].offset, tags[i].length);
+    const RbKind kind = rbKind(code);
+    // Codes that carry no value a result buffer can hold (undefined ones)
+    // have no place in a chain; a record that keeps them is written as read.
+    if (kind == RbKind::Unknown || kind == RbKind::None || kind == RbKind::LongPtr) continue;
     resbuf* rb = acutNewRb(code);
-    switch (rbKind(code)) {
+    switch (kind) {
       case RbKind::Real: parseDouble(v, rb->resval.rreal); break;
       case RbKind::Point: {
         parseDouble(v, rb->resval.rpoint[0]);
@@ -1763,6 +1771,38 @@ void logError(const ACHAR* logFile) {
 
 const std::string& lastErrorMessage() { return tLastError; }
 
+Acad::ErrorStatus loadDxf(AcDbDatabase* db, std::string bytes, const std::string& name) {
+  tLastError.clear();
+  auto d = std::make_unique<DrawingExtra>();
+  d->bytes = std::move(bytes);
+  try {
+    Loader loader(db, *d);
+    loader.run();
+  } catch (const DxfError& e) {
+    tLastError = name + ": " + e.what();
+    return Acad::eInvalidDxfCode;
+  } catch (const std::bad_alloc&) {
+    tLastError = name + ": out of memory";
+    return Acad::eOutOfMemory;
+  }
+  db->setOriginalFileVersion(dwgVersionOf(d->version));
+  db->setHostExtra(std::move(d));
+  return Acad::eOk;
+}
+
+std::string saveDxfToString(AcDbDatabase* db) {
+  auto* d = dynamic_cast<DrawingExtra*>(db->hostExtra());
+  std::unique_ptr<DrawingExtra> fresh;
+  if (d == nullptr) {
+    fresh = skeletonOf(db);
+    d = fresh.get();
+  }
+  Output out(d->crlf);
+  Writer writer{db, *d, out, d->version < 1012, std::string_view(d->bytes), {}, {}};
+  writer.run();
+  return std::move(out.buffer());
+}
+
 bool isSyntheticObject(const AcDbObject* obj) { return obj != nullptr && isSynthetic(obj); }
 
 std::string dxfTypeOf(const AcDbObject* obj) {
@@ -1798,29 +1838,17 @@ Acad::ErrorStatus AcDbDatabase::dxfIn(const ACHAR* fileName, const ACHAR* logFil
     logError(logFilename);
     return Acad::eNotApplicable;
   }
-  auto d = std::make_unique<DrawingExtra>();
+  std::string bytes;
   try {
-    d->bytes = readFileBytes(path);
+    bytes = readFileBytes(path);
   } catch (const DxfError& e) {
     tLastError = e.what();
     logError(logFilename);
     return errno == ENOENT ? Acad::eFileNotFound : Acad::eFileAccessErr;
   }
-  try {
-    Loader loader(this, *d);
-    loader.run();
-  } catch (const DxfError& e) {
-    tLastError = path + ": " + e.what();
-    logError(logFilename);
-    return Acad::eInvalidDxfCode;
-  } catch (const std::bad_alloc&) {
-    tLastError = path + ": out of memory";
-    logError(logFilename);
-    return Acad::eOutOfMemory;
-  }
-  setOriginalFileVersion(dwgVersionOf(d->version));
-  setHostExtra(std::move(d));
-  return Acad::eOk;
+  const Acad::ErrorStatus es = loadDxf(this, std::move(bytes), path);
+  if (es != Acad::eOk) logError(logFilename);
+  return es;
 }
 
 Acad::ErrorStatus AcDbDatabase::dxfOut(const ACHAR* fileName, int precision, AcDb::AcDbDwgVersion dwgVer,
@@ -1845,7 +1873,7 @@ Acad::ErrorStatus AcDbDatabase::dxfOut(const ACHAR* fileName, int precision, AcD
   }
   try {
     AtomicFile file(path);
-    Output out(file, d->crlf);
+    Output out(&file, d->crlf);
     Writer writer{this, *d, out, d->version < 1012, std::string_view(d->bytes), {}, {}};
     writer.run();
     file.commit();

@@ -14,6 +14,12 @@ namespace vora_host::dxf {
 // Empty after a success.
 VORA_HOST_API const std::string& lastErrorMessage();
 
+// dxfIn from bytes in memory; name stands for the file in messages.
+VORA_HOST_API Acad::ErrorStatus loadDxf(AcDbDatabase* db, std::string bytes, const std::string& name);
+
+// dxfOut into memory.
+VORA_HOST_API std::string saveDxfToString(AcDbDatabase* db);
+
 // The DXF type of an object as it is written (e.g. "LINE", "VERTEX",
 // "ACAD_PROXY_ENTITY" for a kept object of that type).
 VORA_HOST_API std::string dxfTypeOf(const AcDbObject* obj);

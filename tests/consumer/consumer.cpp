@@ -4,6 +4,8 @@
 #include <vora/arx.h>
 #include <vora/vora.h>
 
+int dxfRoundTrip();
+
 int main() {
   AcGePoint3dArray pts;
   pts.append(AcGePoint3d(0, 0, 10));
@@ -12,5 +14,6 @@ int main() {
   const double a[3] = {0, 0, 0}, b[3] = {1, 0, 0}, c[3] = {0, 1, 0};
   const double turn = vora_orientation2D(a, b, c);
   std::printf("zpt %.17g orientation %.17g\n", z, turn);
-  return (z == 15.0 && turn == 1.0) ? 0 : 1;
+  if (z != 15.0 || turn != 1.0) return 1;
+  return dxfRoundTrip() == 0 ? 0 : 1;
 }

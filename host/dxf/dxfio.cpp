@@ -844,6 +844,7 @@ void Loader::header(const RecordCursor& c) {
 }
 
 void Loader::run() {
+  std::uint64_t maxHandle = 0;
   {
     // Strict check of the whole file first; the tags are not kept, the
     // records are read again one at a time below.
@@ -854,31 +855,26 @@ void Loader::run() {
       std::string& b;
       ~Restore() { b.swap(f.bytes); }
     } restore{f, d_.bytes};
-    tagize(f);
+    tagize(f, false);
     d_.crlf = f.crlf;
+    maxHandle = f.maxHandle;
   }
   const std::string_view bytes(d_.bytes);
   const std::size_t start = bytes.substr(0, 3) == "\xEF\xBB\xBF" ? 3 : 0;
   if (start) push(Item::kRaw, 0, start);
 
-  // Handles of the file first, so that objects without one get handles no
-  // record of the file uses.
-  std::uint64_t maxHandle = 0, seed = 0;
+  // The header comes first: version, code page and handle seed, before any
+  // object is made. New handles stay clear of every handle in the file.
+  std::uint64_t seed = 0;
   {
     RecordCursor c(bytes, start);
     while (c.next()) {
-      const auto& t = c.tags();
-      const int hc = c.type() == "DIMSTYLE" ? 105 : 5;
-      for (std::size_t i = 1; i < t.size(); ++i)
-        if (t[i].code == hc) {
-          std::uint64_t h = 0;
-          if (parseHex(c.value(i), h)) maxHandle = std::max(maxHandle, h);
-          break;
-        }
-      if (c.type() == "SECTION" && t.size() > 1 && c.value(1) == "HEADER") {
+      if (c.tags()[0].code == 999) continue;
+      if (c.type() == "SECTION" && c.tags().size() > 1 && c.value(1) == "HEADER") {
         header(c);
         if (d_.hasHandseed) parseHex(bytes.substr(d_.handseedBegin, d_.handseedEnd - d_.handseedBegin), seed);
       }
+      break;
     }
   }
   if (d_.acadver.empty()) d_.acadver = "AC1009";

@@ -7,15 +7,18 @@ namespace vora_host::dxf {
 ClassDef::ClassDef(std::string_view type, std::initializer_list<SubclassDef> subs) : dxfType(type), subclasses(subs) {
   for (const auto& s : subclasses) {
     slotBase.push_back(slotCount);
+    std::vector<std::uint16_t> byCode(1072, 0);
+    for (std::size_t i = 0; i < s.codes.size(); ++i)
+      if (s.codes[i] >= 0 && s.codes[i] < 1072 && byCode[static_cast<std::size_t>(s.codes[i])] == 0)
+        byCode[static_cast<std::size_t>(s.codes[i])] = static_cast<std::uint16_t>(slotCount + i + 1);
+    slotByCode.push_back(std::move(byCode));
     slotCount = static_cast<std::uint16_t>(slotCount + s.codes.size());
   }
 }
 
 int ClassDef::slotOf(std::size_t subclass, int code) const {
-  const auto& codes = subclasses[subclass].codes;
-  for (std::size_t i = 0; i < codes.size(); ++i)
-    if (codes[i] == code) return slotBase[subclass] + static_cast<int>(i);
-  return -1;
+  if (code < 0 || code >= 1072) return -1;
+  return static_cast<int>(slotByCode[subclass][static_cast<std::size_t>(code)]) - 1;
 }
 
 SplitRecord splitRecord(const ClassDef& def, std::string_view bytes, const std::vector<Tag>& tags, std::size_t end,

@@ -27,6 +27,8 @@ struct VORA_HOST_API ClassDef {
   // First slot of each subclass in the flat slot array (filled by finish()).
   std::vector<std::uint16_t> slotBase;
   std::uint16_t slotCount = 0;
+  // Per subclass, slot + 1 of each group code 0..1071 (0: not read).
+  std::vector<std::vector<std::uint16_t>> slotByCode;
   ClassDef(std::string_view type, std::initializer_list<SubclassDef> subs);
   int slotOf(std::size_t subclass, int code) const;
 };

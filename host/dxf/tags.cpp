@@ -229,7 +229,7 @@ std::string readFileBytes(const std::string& path) {
   return bytes;
 }
 
-void tagize(TagFile& f) {
+void tagize(TagFile& f, bool keepTags) {
   f.tags.clear();
   const std::string& b = f.bytes;
   if (b.size() >= std::numeric_limits<std::uint32_t>::max())
@@ -248,7 +248,8 @@ void tagize(TagFile& f) {
     const void* nl = std::memchr(b.data() + pos, '\n', end - pos);
     f.crlf = nl && static_cast<const char*>(nl) > b.data() + pos && static_cast<const char*>(nl)[-1] == '\r';
   }
-  f.tags.reserve(b.size() / 12);
+  if (keepTags) f.tags.reserve(b.size() / 12);
+  f.maxHandle = 0;
 
   std::size_t line = 0;  // lines consumed so far
   // Returns the next line [start, len), or false at the end of the bytes.
@@ -288,7 +289,13 @@ void tagize(TagFile& f) {
       std::string why = checkValue(code, kind, v);
       if (!why.empty()) throw DxfError(line, why);
     }
-    f.tags.push_back(Tag{code, static_cast<std::uint32_t>(vs), static_cast<std::uint32_t>(vl)});
+    if (keepTags) f.tags.push_back(Tag{code, static_cast<std::uint32_t>(vs), static_cast<std::uint32_t>(vl)});
+    if (code == 5 || code == 105) {
+      // Data groups 5 (SORTENTSTABLE, XRECORD) may count too: the value only
+      // keeps new handles clear of every one in the file.
+      std::uint64_t h = 0;
+      if (parseHex(v, h) && h > f.maxHandle) f.maxHandle = h;
+    }
 
     switch (state) {
       case State::kOutside:

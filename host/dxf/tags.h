@@ -52,7 +52,7 @@ struct TagFile {
   std::vector<Tag> tags;
   bool crlf = false;     // the first line ends with CR LF
   bool bom = false;      // a UTF-8 byte order mark precedes the first line
-  std::uint32_t firstLine = 1;  // always 1; kept for the line arithmetic
+  std::uint64_t maxHandle = 0;  // the largest hexadecimal value of a 5 or 105 group (filled by tagize)
 
   std::string_view value(const Tag& t) const { return {bytes.data() + t.offset, t.length}; }
   std::string_view value(std::size_t i) const { return value(tags[i]); }
@@ -69,7 +69,9 @@ VORA_HOST_API std::string readFileBytes(const std::string& path);
 // their code (a decimal comma is named as such), sections opened with a name
 // and closed, the file ended by 0/EOF. Binary DXF is refused. Lines end with
 // LF or CR LF. Throws DxfError naming the first offending line.
-VORA_HOST_API void tagize(TagFile& file);
+// With keepTags false the file is only checked (and maxHandle found): tags
+// stays empty.
+VORA_HOST_API void tagize(TagFile& file, bool keepTags = true);
 
 // Convenience: readFileBytes + tagize.
 VORA_HOST_API TagFile readTagFile(const std::string& path);

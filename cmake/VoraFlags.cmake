@@ -4,6 +4,10 @@ target_compile_options(vora_developer_flags INTERFACE
   -Wall -Wextra -Wpedantic
   # Results are compared bit for bit: no fused multiply-add behind our back.
   -ffp-contract=off
+  # Several exported C functions return AcGePoint3d or AcDbObjectId by value,
+  # as the host API's C callers expect: standard-layout types whose calling
+  # convention is that of a C struct of the same members.
+  $<$<CXX_COMPILER_ID:Clang>:-Wno-return-type-c-linkage>
   $<$<BOOL:${VORA_WERROR}>:-Werror>)
 
 # Sanitizers are switched on for every target of the build tree by the preset.

@@ -9,6 +9,16 @@
 #ifndef VORA_VORA_H
 #define VORA_VORA_H
 
+#include "vora/arx.h"
+
+// Some functions return host value types (AcGePoint3d, AcDbObjectId) by
+// value from C linkage; clang warns about that in every caller, though their
+// layout is that of a plain C struct.
+#if defined(__clang__)
+#  pragma clang diagnostic push
+#  pragma clang diagnostic ignored "-Wreturn-type-c-linkage"
+#endif
+
 #include "vora/geometry.h"
 #include "vora/distance.h"
 #include "vora/intersect.h"
@@ -17,5 +27,9 @@
 #include "vora/polygon.h"
 #include "vora/featureline.h"
 #include "vora/database.h"
+
+#if defined(__clang__)
+#  pragma clang diagnostic pop
+#endif
 
 #endif

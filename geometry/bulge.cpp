@@ -218,9 +218,12 @@ VORA_API int vora_arc2pts(const double* p1, const double* p2, double bulge, doub
     out->append(AcGePoint3d(p1[0], p1[1], p1[2]));
     const double base = arc.r >= 0.0 ? arc.start : arc.end;
     const bool clockwise = arc.r < 0.0;
-    // The half-step margin keeps accumulated rounding from adding a point
-    // on top of p2.
-    for (double t = step; t < sweep - step / 2.0; t += step) {
+    // Each interior angle is the step times its index, not a running sum, so
+    // no rounding builds up along long arcs. The half-step margin keeps the
+    // last multiple from landing on top of p2.
+    for (std::uint64_t k = 1;; ++k) {
+      const double t = static_cast<double>(k) * step;
+      if (!(t < sweep - step / 2.0)) break;
       const double theta = base + (clockwise ? -t : t);
       out->append(AcGePoint3d(arc.cx + R * std::cos(theta), arc.cy + R * std::sin(theta), 0.0));
     }

@@ -318,6 +318,37 @@ TEST(Arc2Pts, ClockwiseArcsRunFromFirstToSecondPoint) {
   EXPECT_NEAR(out[5].y, std::sqrt(0.5), kNear);
 }
 
+TEST(Arc2Pts, InteriorAnglesAreWholeMultiplesOfTheFinalStep) {
+  // Long arcs in both directions with many steps: a running sum of the step
+  // drifts from k * step in the last bits, so every point is checked exactly.
+  const double p1[3] = {3.0, -2.0, 7.0};
+  const double p2[3] = {-4.0, 5.0, -1.0};
+  for (const double b : {3.0, -3.0, 0.3, -0.7}) {
+    SCOPED_TRACE(testing::Message() << "bulge " << b);
+    double cr[3] = {};
+    double ang[3] = {};
+    vora_bulge2arc(p1, p2, b, cr, ang);
+    const double R = std::fabs(cr[2]);
+    const double sweep = vora::sweptAngle(ang[0], ang[1]);
+    const double maxAngle = 0.01;
+    const std::uint64_t n = static_cast<std::uint64_t>(std::ceil(sweep / maxAngle));
+    const double step = sweep / static_cast<double>(n);
+    AcGePoint3dArray out;
+    ASSERT_EQ(vora_arc2pts(p1, p2, b, 0.0, 0.0, maxAngle, kNoCap, &out, nullptr), 8);
+    ASSERT_EQ(static_cast<std::uint64_t>(out.length()), n + 1);
+    const double base = cr[2] >= 0.0 ? ang[0] : ang[1];
+    for (std::uint64_t k = 1; k < n; ++k) {
+      const double t = static_cast<double>(k) * step;
+      const double theta = base + (cr[2] < 0.0 ? -t : t);
+      const AcGePoint3d& q = out[static_cast<int>(k)];
+      EXPECT_EQ(q.x, cr[0] + R * std::cos(theta)) << k;
+      EXPECT_EQ(q.y, cr[1] + R * std::sin(theta)) << k;
+      EXPECT_EQ(q.z, 0.0) << k;
+    }
+    EXPECT_EQ(out.last(), AcGePoint3d(-4.0, 5.0, -1.0));
+  }
+}
+
 TEST(Arc2Pts, PointsLieOnTheArcWithinTheMidOrdinate) {
   const unsigned seed = 77;
   std::mt19937_64 rng(seed);

@@ -84,32 +84,31 @@ VORA_API int vora_tessellate3Dpline(const AcGePoint3dArray* pts, const AcGeDoubl
     const AcGePoint3d& b = p[j];
     const double bi = bulge[i];
 
-    scratch.setLogicalLength(0);
-    if (!(std::fabs(bi) < tolValue())) {
-      std::uint64_t cap = 0;
-      if (minPieceLength > 0.0) {
-        const double dx = b.x - a.x;
-        const double dy = b.y - a.y;
-        cap = toStepCount(arcLengthFromChord(std::sqrt(dx * dx + dy * dy), bi) / minPieceLength + 1.0);
-      }
-      const double pa[3] = {a.x, a.y, 0.0};
-      const double pb[3] = {b.x, b.y, 0.0};
-      double deviation = 0.0;
-      const int code = vora_arc2pts(pa, pb, bi, midOrdinate, maxChord, maxAngle, cap, &scratch, &deviation);
-      // Coincident end points carry no arc: arc2pts reports a straight
-      // segment and steps nothing, and the segment is kept as a straight one.
-      if (code != 1) {
-        result |= code;
-        if (deviation > worst) worst = deviation;
-      }
-    }
-    if (scratch.length() == 0) {
+    if (std::fabs(bi) < tolValue()) {
       outPts->append(b);
       outBulges->last() = 0.0;
       outBulges->append(0.0);
       continue;
     }
 
+    scratch.setLogicalLength(0);
+    std::uint64_t cap = 0;
+    if (minPieceLength > 0.0) {
+      const double dx = b.x - a.x;
+      const double dy = b.y - a.y;
+      cap = toStepCount(arcLengthFromChord(std::sqrt(dx * dx + dy * dy), bi) / minPieceLength + 1.0);
+    }
+    const double pa[3] = {a.x, a.y, 0.0};
+    const double pb[3] = {b.x, b.y, 0.0};
+    double deviation = 0.0;
+    const int code = vora_arc2pts(pa, pb, bi, midOrdinate, maxChord, maxAngle, cap, &scratch, &deviation);
+    result |= code;
+    if (deviation > worst) worst = deviation;
+
+    // A bulged segment whose end points (nearly) coincide has no arc to step:
+    // the scratch list stays empty, so vertex i's entry becomes the unset
+    // sub-arc bulge (0) and vertex j is not added. Flattening drops such a
+    // vertex the same way.
     const BulgeArc arc = bulgeToArc(a, b, bi);
     const double sweep = sweptAngle(arc.start, arc.end);
     const int m = scratch.length();

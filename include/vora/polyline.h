@@ -120,7 +120,9 @@ VORA_API int vora_tessellatepline(const AcGePoint3dArray* pts, bool closed, doub
 // interpolated by angle along each arc, and one bulge per vertex appended to
 // outBulges (the sub-arc bulge on every piece of an arc, 0 on straight
 // segments). A straight closing segment repeats vertex 0; an arc closing
-// segment does not. Writes the largest step mid ordinate to maxDeviation
+// segment does not. A bulged segment whose end points coincide in plan has
+// no arc to step: its end vertex is not added and the start vertex's bulge
+// becomes 0, as flattening also drops that vertex. Writes the largest step mid ordinate to maxDeviation
 // (optional; 0 without arcs) and returns 1 or-ed with every arc's code.
 // Returns 1 and appends nothing when pts, bulges or outPts is null, the
 // counts differ or there is no vertex. outBulges is required.

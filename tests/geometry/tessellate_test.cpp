@@ -166,6 +166,46 @@ TEST(Tessellate3Dpline, StraightSegmentsResetBulgesAndClosingRulesDiffer) {
   EXPECT_GT(out.last().z, 0.0);
 }
 
+TEST(Tessellate3Dpline, BulgedSegmentWithCoincidentEndsAddsNoVertex) {
+  // The last segment returns to the same plan point with a bulge: there is
+  // no arc to step, so vertex 2 never reaches the output and vertex 1's
+  // bulge entry is overwritten with 0.
+  const AcGePoint3dArray pl = points({{0, 0, 0}, {2, 0, 1}, {2, 0, 5}});
+  const AcGeDoubleArray b = doubles({1, 0.5, 0});
+  AcGePoint3dArray out = points({{-9, -9, -9}});
+  AcGeDoubleArray outB = doubles({-9});
+  double dev = -1.0;
+  EXPECT_EQ(vora_tessellate3Dpline(&pl, &b, false, 0.0, 0.0, kPi / 4, 0.0, &out, &outB, &dev), 9);
+  ASSERT_EQ(out.length(), 6);  // sentinel, vertex 0, 3 interior points, vertex 1
+  ASSERT_EQ(outB.length(), 6);
+  EXPECT_EQ(out[0], AcGePoint3d(-9, -9, -9));
+  EXPECT_EQ(outB[0], -9.0);
+  EXPECT_EQ(out[5], AcGePoint3d(2, 0, 1));
+  EXPECT_NEAR(outB[4], std::tan(kPi / 16), 1e-12);
+  EXPECT_EQ(outB[5], 0.0);
+  EXPECT_NEAR(dev, 1.0 - std::cos(kPi / 8), 1e-15);
+
+  // A bulged closing segment back onto vertex 0's plan point adds nothing,
+  // where a straight one would repeat vertex 0.
+  const AcGePoint3dArray ring = points({{0, 0, 0}, {2, 0, 0}, {0, 0, 3}});
+  const AcGeDoubleArray ringB = doubles({0, 0, 0.5});
+  out.setLogicalLength(0);
+  outB.setLogicalLength(0);
+  EXPECT_EQ(vora_tessellate3Dpline(&ring, &ringB, true, 0.0, 0.0, kPi / 4, 0.0, &out, &outB, &dev), 1);
+  ASSERT_EQ(out.length(), 3);
+  ASSERT_EQ(outB.length(), 3);
+  EXPECT_EQ(out[2], AcGePoint3d(0, 0, 3));
+  EXPECT_EQ(outB[2], 0.0);
+  EXPECT_EQ(dev, 0.0);
+
+  // Flattening treats the same segment alike: its end vertex is dropped.
+  const AcGePoint3dArray packed = points({{0, 0, 0.5}, {0, 0, 0}, {1, 0, 0}});
+  AcGePoint3dArray flat;
+  EXPECT_EQ(vora_tessellatepline(&packed, false, 0.0, &flat), 3);
+  ASSERT_EQ(flat.length(), 2);
+  EXPECT_EQ(flat[1], AcGePoint3d(1, 0, 0));
+}
+
 TEST(Tessellate3Dpline, MinimumPieceLengthCapsTheMidOrdinateButNotTheMaximumAngle) {
   const AcGePoint3dArray half = points({{0, 0, 0}, {2, 0, 10}});
   const AcGeDoubleArray b = doubles({1, 0});

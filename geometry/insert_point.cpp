@@ -105,7 +105,7 @@ VORA_API std::int64_t vora_addpoint3Dpline(const AcGePoint3dArray* pts, const Ac
     const double beforePart = ccw ? arcToBulge(arc.cx, arc.cy, arc.r, arc.start, theta)
                                   : arcToBulge(arc.cx, arc.cy, arc.r, theta, arc.end);
     const double tol = tolPoint();
-    const bool moved = !(std::fabs(q.x - a.x) < tol) || !(std::fabs(q.y - a.y) < tol) || !(std::fabs(q.z - a.z) < tol);
+    const bool moved = std::fabs(q.x - a.x) >= tol || std::fabs(q.y - a.y) >= tol || std::fabs(q.z - a.z) >= tol;
     bulgeK = moved ? beforePart : after;
     bulgeQ = after;
   }

@@ -5,6 +5,7 @@
 #include <random>
 
 #include "geometry/tolerance.h"
+#include "support/tolerance_guard.h"
 #include "vora/vora.h"
 
 namespace {
@@ -104,6 +105,39 @@ TEST(AddPoint3Dpline, SplitArcsKeepTheCircleWithABulgePerPart) {
   EXPECT_NEAR(out[1].z, 2.0, 1e-12);
   EXPECT_NEAR(outB[0], -std::tan(kPi / 16), 1e-12);
   EXPECT_NEAR(outB[1], -std::tan(3 * kPi / 16), 1e-12);
+}
+
+TEST(AddPoint3Dpline, StartVertexKeepsTheAfterBulgeUnlessTheNewVertexMovedByTolPoint) {
+  // Quarter circle from 45 to 135 degrees: the first step runs diagonally, so
+  // a distance just over tolPoint moves the new vertex less than tolPoint in
+  // x and in y.
+  const vora::test::ToleranceGuard guard(1e-7, 1e-3);
+  const double h = std::sqrt(0.5);
+  const AcGeDoubleArray b = doubles({std::tan(kPi / 8), 0});
+  const double dist = 1.2e-3;
+  struct Case {
+    double z0;
+    bool tookBefore;
+  };
+  // Level, the vertex has not moved; rising by 10 over the arc it has, in z;
+  // a height that is not a number is no difference of at least tolPoint.
+  const Case cases[] = {{10.0, false}, {0.0, true}, {std::nan(""), false}};
+  for (const Case& c : cases) {
+    SCOPED_TRACE(testing::Message() << "z0 " << c.z0);
+    const AcGePoint3dArray arc = points({{h, h, c.z0}, {-h, h, 10}});
+    AcGePoint3dArray out;
+    AcGeDoubleArray outB;
+    ASSERT_EQ(vora_addpoint3Dpline(&arc, &b, false, dist, &out, &outB), 1);
+    ASSERT_EQ(outB.length(), 3);
+    EXPECT_LT(std::fabs(out[1].x - h), 1e-3);
+    EXPECT_LT(std::fabs(out[1].y - h), 1e-3);
+    if (c.tookBefore) {
+      EXPECT_NE(outB[0], outB[1]);
+      EXPECT_NEAR(outB[0], std::tan(dist / 4), 1e-9);
+    } else {
+      EXPECT_EQ(outB[0], outB[1]);
+    }
+  }
 }
 
 TEST(AddPoint3Dpline, InsertionKeepsLengthAndPositionOnRandomPolylines) {

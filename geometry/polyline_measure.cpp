@@ -183,9 +183,8 @@ VORA_API std::int64_t vora_ptDistPline2D(const AcGePoint3dArray* pts, const AcGe
   } else {
     const BulgeArc arc = bulgeToArc(a, b, bulge);
     const double R = std::fabs(arc.r);
-    double theta = arc.start;
-    if (arc.r > 0.0) theta = arc.start + s / R;
-    if (arc.r < 0.0) theta = arc.start - s / R;
+    const double sign = arc.r > 0.0 ? 1.0 : (arc.r < 0.0 ? -1.0 : 0.0);
+    const double theta = arc.start + sign * (s / R);
     // Kept as callers have always received it: the centre scales the point
     // instead of offsetting it, and a clockwise arc starts from the angle of
     // its far end. Only arcs about the origin come out on the arc.

@@ -113,6 +113,19 @@ TEST(PtDistPline2D, ArcPointsKeepTheScaledCentreAndTheFirstAngleOfThePair) {
   EXPECT_EQ(out[1], std::sin(kPi - kPi / 4) * 3.0);
 }
 
+TEST(PtDistPline2D, ArcOfZeroRadiusStepsByTheSignOfTheRadius) {
+  // With a negative point tolerance a zero-length bulged segment is walked
+  // onto: its radius is 0, so the angle takes 0 * (s / 0) and is not a number.
+  const vora::test::ToleranceGuard guard(1e-7, -1.0);
+  const AcGePoint3dArray dup = points({{0, 0, 2}, {0, 0, 2}, {1, 0, 2}});
+  const AcGeDoubleArray b = doubles({0.5, 0, 0});
+  double out[3] = {7, 7, 7};
+  EXPECT_EQ(vora_ptDistPline2D(&dup, &b, false, 0.0, out), 0);
+  EXPECT_TRUE(std::isnan(out[0]));
+  EXPECT_TRUE(std::isnan(out[1]));
+  EXPECT_EQ(out[2], 2.0);
+}
+
 TEST(PtParamPline2D, ParameterIsSegmentIndexPlusFractionAndClampsPastTheEnd) {
   EXPECT_EQ(vora_ptParamPline2D(&kSquare, nullptr, false, 1.5), AcGePoint3d(1, 0.5, 0));
   EXPECT_EQ(vora_ptParamPline2D(&kSquare, nullptr, false, 0.0), AcGePoint3d(0, 0, 0));

@@ -53,6 +53,13 @@ using namespace vora;
 
 VORA_API double vora_plinelength(const AcGePoint3dArray* pts, const AcGeDoubleArray* bulges, bool closed, int mode,
                                  AcGeDoubleArray* segLengths) {
+  // The bulges are measured as they were at the call, even when the caller
+  // collects the lengths in the same array.
+  AcGeDoubleArray bulgeCopy;
+  if (segLengths != nullptr && segLengths == bulges) {
+    bulgeCopy = *bulges;
+    bulges = &bulgeCopy;
+  }
   PlineView v;
   if (!viewOf(pts, bulges, closed, v)) return 0.0;
   if (segLengths != nullptr) reserveRoom(*segLengths, v.segments);

@@ -75,6 +75,22 @@ TEST(PlineMeasure, ModeDecidesStraightSegmentsButArcsStayInPlan) {
   EXPECT_EQ(lengths[1], 10.0);
 }
 
+TEST(PlineMeasure, LengthsAppendedToTheBulgeListItselfMeasureTheOriginalBulges) {
+  const AcGePoint3dArray pl = points({{0, 0, 0}, {2, 0, 0}, {2, 3, 0}, {5, 7, 0}});
+  const AcGeDoubleArray bulges = doubles({1, 0, -1, 0.5});
+  AcGeDoubleArray expected;
+  const double total = vora_plinelength(&pl, &bulges, true, 2, &expected);
+
+  AcGeDoubleArray shared = bulges;
+  shared.setPhysicalLength(4);  // full, so the first append must move the buffer
+  EXPECT_EQ(vora_plinelength(&pl, &shared, true, 2, &shared), total);
+  ASSERT_EQ(shared.length(), 8);
+  for (int i = 0; i < 4; ++i) {
+    EXPECT_EQ(shared[i], bulges[i]) << i;
+    EXPECT_EQ(shared[4 + i], expected[i]) << i;
+  }
+}
+
 TEST(PtDistPline2D, WalksToTheFirstSegmentReachingTheDistanceAndInterpolatesZ) {
   const AcGePoint3dArray line = points({{0, 0, 0}, {4, 0, 8}, {4, 3, 8}});
   double out[3] = {};

@@ -17,23 +17,6 @@ std::set<AcDbDatabase*>& liveDatabases() {
   return live;
 }
 
-AcDbObjectId addDictionary(AcDbDictionary* parent, const ACHAR* key) {
-  auto* dict = new AcDbDictionary();
-  AcDbObjectId id;
-  parent->setAt(key, dict, id);
-  dict->close();
-  return id;
-}
-
-template <class Table, class Record>
-AcDbObjectId addRecord(Table* table, Record* rec, const ACHAR* name) {
-  rec->setName(name);
-  AcDbObjectId id;
-  table->add(id, rec);
-  rec->close();
-  return id;
-}
-
 }  // namespace
 
 namespace vora_host {
@@ -85,77 +68,110 @@ ACRX_NO_CONS_DEFINE_MEMBERS(AcDbDatabase, AcRxObject)
 
 AcDbDatabase::AcDbDatabase(bool buildDefaultDrawing, bool) : mpImpl(new Impl) {
   liveDatabases().insert(this);
-  if (!buildDefaultDrawing) return;
-
-  auto addRoot = [this](Root which, AcDbObject* obj) {
-    AcDbObjectId id;
-    addAcDbObject(id, obj);
-    vora_host::setRoot(this, which, id);
-    return obj;
-  };
-  auto* blocks = static_cast<AcDbBlockTable*>(addRoot(Root::BlockTable, new AcDbBlockTable()));
-  auto* layers = static_cast<AcDbLayerTable*>(addRoot(Root::LayerTable, new AcDbLayerTable()));
-  auto* styles = static_cast<AcDbTextStyleTable*>(addRoot(Root::TextStyleTable, new AcDbTextStyleTable()));
-  auto* linetypes = static_cast<AcDbLinetypeTable*>(addRoot(Root::LinetypeTable, new AcDbLinetypeTable()));
-  auto* views = addRoot(Root::ViewTable, new AcDbViewTable());
-  auto* ucss = addRoot(Root::UCSTable, new AcDbUCSTable());
-  auto* vports = static_cast<AcDbViewportTable*>(addRoot(Root::ViewportTable, new AcDbViewportTable()));
-  auto* apps = static_cast<AcDbRegAppTable*>(addRoot(Root::RegAppTable, new AcDbRegAppTable()));
-  auto* dimstyles = static_cast<AcDbDimStyleTable*>(addRoot(Root::DimStyleTable, new AcDbDimStyleTable()));
-  auto* nod = static_cast<AcDbDictionary*>(addRoot(Root::NamedObjects, new AcDbDictionary()));
-
-  addDictionary(nod, L"ACAD_COLOR");
-  addDictionary(nod, L"ACAD_GROUP");
-  addDictionary(nod, L"ACAD_LAYOUT");
-  const AcDbObjectId materialsId = addDictionary(nod, L"ACAD_MATERIAL");
-  addDictionary(nod, L"ACAD_MLINESTYLE");
-  addDictionary(nod, L"ACAD_PLOTSETTINGS");
-  addDictionary(nod, L"ACAD_PLOTSTYLENAME");
-  auto* materials = static_cast<AcDbDictionary*>(vora_host::peek(materialsId));
-  Access::markOpenForWrite(materials);
-  AcDbObjectId byLayerMaterial;
-  for (const ACHAR* name : {L"ByBlock", L"ByLayer", L"Global"}) {
-    auto* mat = new AcDbMaterial();
-    mat->setName(name);
-    AcDbObjectId id;
-    materials->setAt(name, mat, id);
-    mat->close();
-    if (std::wstring(name) == L"ByLayer") byLayerMaterial = id;
-  }
-  materials->close();
-
-  addRecord(linetypes, new AcDbLinetypeTableRecord(), L"ByBlock");
-  const AcDbObjectId byLayerLinetype = addRecord(linetypes, new AcDbLinetypeTableRecord(), L"ByLayer");
-  auto* continuous = new AcDbLinetypeTableRecord();
-  continuous->setComments(L"Solid line");
-  const AcDbObjectId continuousId = addRecord(linetypes, continuous, L"Continuous");
-
-  auto* zero = new AcDbLayerTableRecord();
-  AcCmColor white;
-  white.setColorIndex(7);
-  zero->setColor(white);
-  zero->setLinetypeObjectId(continuousId);
-  const AcDbObjectId zeroId = addRecord(layers, zero, L"0");
-
-  auto* standard = new AcDbTextStyleTableRecord();
-  standard->setFileName(L"txt");
-  addRecord(styles, standard, L"Standard");
-  addRecord(dimstyles, new AcDbDimStyleTableRecord(), L"Standard");
-  addRecord(vports, new AcDbViewportTableRecord(), L"*Active");
-  addRecord(apps, new AcDbRegAppTableRecord(), L"ACAD");
-  addRecord(blocks, new AcDbBlockTableRecord(), ACDB_MODEL_SPACE);
-  addRecord(blocks, new AcDbBlockTableRecord(), ACDB_PAPER_SPACE);
-
-  for (AcDbObject* table : {static_cast<AcDbObject*>(blocks), static_cast<AcDbObject*>(layers),
-                            static_cast<AcDbObject*>(styles), static_cast<AcDbObject*>(linetypes), views, ucss,
-                            static_cast<AcDbObject*>(vports), static_cast<AcDbObject*>(apps),
-                            static_cast<AcDbObject*>(dimstyles), static_cast<AcDbObject*>(nod)}) {
-    table->close();
-  }
-  mpImpl->clayer = zeroId;
-  mpImpl->celtype = byLayerLinetype;
-  mpImpl->cmaterial = byLayerMaterial;
+  if (buildDefaultDrawing) vora_host::ensureDefaults(this);
 }
+
+namespace {
+
+// The root of the given kind, made (and closed) when missing.
+template <class T>
+AcDbObjectId ensureRoot(AcDbDatabase* db, Root which) {
+  AcDbObjectId id = vora_host::root(db, which);
+  if (T::cast(vora_host::peek(id)) != nullptr) return id;
+  auto* obj = new T();
+  db->addAcDbObject(id, obj);
+  obj->close();
+  vora_host::setRoot(db, which, id);
+  return id;
+}
+
+// The record named name of the table tableId, made when missing; prepare
+// sets up a new record before it is added.
+template <class Table, class Record, class Prepare>
+AcDbObjectId ensureRecord(AcDbObjectId tableId, const ACHAR* name, Prepare prepare) {
+  AcDbObjectId id = vora_host::findRecord(tableId, name);
+  if (!id.isNull()) return id;
+  Table* table = nullptr;
+  if (acdbOpenObject(table, tableId, AcDb::kForWrite) != Acad::eOk) return id;
+  auto* rec = new Record();
+  rec->setName(name);
+  prepare(rec);
+  if (table->add(id, rec) == Acad::eOk) rec->close(); else delete rec;
+  table->close();
+  return id;
+}
+
+template <class Table, class Record>
+AcDbObjectId ensureRecord(AcDbObjectId tableId, const ACHAR* name) {
+  return ensureRecord<Table, Record>(tableId, name, [](Record*) {});
+}
+
+template <class T>
+AcDbObjectId ensureEntry(AcDbObjectId dictId, const ACHAR* key, void (*prepare)(T*, const ACHAR*) = nullptr) {
+  AcDbObjectId id = vora_host::findEntry(dictId, key);
+  if (!id.isNull()) return id;
+  AcDbDictionary* dict = nullptr;
+  if (acdbOpenObject(dict, dictId, AcDb::kForWrite) != Acad::eOk) return id;
+  auto* obj = new T();
+  if (prepare != nullptr) prepare(obj, key);
+  if (dict->setAt(key, obj, id) == Acad::eOk) obj->close(); else delete obj;
+  dict->close();
+  return id;
+}
+
+void nameMaterial(AcDbMaterial* mat, const ACHAR* name) { mat->setName(name); }
+
+}  // namespace
+
+namespace vora_host {
+
+void ensureDefaults(AcDbDatabase* db) {
+  const AcDbObjectId blocks = ensureRoot<AcDbBlockTable>(db, Root::BlockTable);
+  const AcDbObjectId layers = ensureRoot<AcDbLayerTable>(db, Root::LayerTable);
+  const AcDbObjectId styles = ensureRoot<AcDbTextStyleTable>(db, Root::TextStyleTable);
+  const AcDbObjectId linetypes = ensureRoot<AcDbLinetypeTable>(db, Root::LinetypeTable);
+  ensureRoot<AcDbViewTable>(db, Root::ViewTable);
+  ensureRoot<AcDbUCSTable>(db, Root::UCSTable);
+  const AcDbObjectId vports = ensureRoot<AcDbViewportTable>(db, Root::ViewportTable);
+  const AcDbObjectId apps = ensureRoot<AcDbRegAppTable>(db, Root::RegAppTable);
+  const AcDbObjectId dimstyles = ensureRoot<AcDbDimStyleTable>(db, Root::DimStyleTable);
+  const AcDbObjectId nod = ensureRoot<AcDbDictionary>(db, Root::NamedObjects);
+
+  for (const ACHAR* key : {L"ACAD_COLOR", L"ACAD_GROUP", L"ACAD_LAYOUT", L"ACAD_MATERIAL", L"ACAD_MLINESTYLE",
+                           L"ACAD_PLOTSETTINGS", L"ACAD_PLOTSTYLENAME"}) {
+    ensureEntry<AcDbDictionary>(nod, key);
+  }
+  const AcDbObjectId materials = db->materialDictionaryId();
+  ensureEntry<AcDbMaterial>(materials, L"ByBlock", nameMaterial);
+  const AcDbObjectId byLayerMaterial = ensureEntry<AcDbMaterial>(materials, L"ByLayer", nameMaterial);
+  ensureEntry<AcDbMaterial>(materials, L"Global", nameMaterial);
+
+  ensureRecord<AcDbLinetypeTable, AcDbLinetypeTableRecord>(linetypes, L"ByBlock");
+  const AcDbObjectId byLayerLinetype = ensureRecord<AcDbLinetypeTable, AcDbLinetypeTableRecord>(linetypes, L"ByLayer");
+  const AcDbObjectId continuous = ensureRecord<AcDbLinetypeTable, AcDbLinetypeTableRecord>(
+      linetypes, L"Continuous", [](AcDbLinetypeTableRecord* r) { r->setComments(L"Solid line"); });
+  const AcDbObjectId zero = ensureRecord<AcDbLayerTable, AcDbLayerTableRecord>(
+      layers, L"0", [continuous](AcDbLayerTableRecord* r) {
+        AcCmColor white;
+        white.setColorIndex(7);
+        r->setColor(white);
+        r->setLinetypeObjectId(continuous);
+      });
+  ensureRecord<AcDbTextStyleTable, AcDbTextStyleTableRecord>(styles, L"Standard",
+                                                             [](AcDbTextStyleTableRecord* r) { r->setFileName(L"txt"); });
+  ensureRecord<AcDbDimStyleTable, AcDbDimStyleTableRecord>(dimstyles, L"Standard");
+  ensureRecord<AcDbViewportTable, AcDbViewportTableRecord>(vports, L"*Active");
+  ensureRecord<AcDbRegAppTable, AcDbRegAppTableRecord>(apps, L"ACAD");
+  ensureRecord<AcDbBlockTable, AcDbBlockTableRecord>(blocks, ACDB_MODEL_SPACE);
+  ensureRecord<AcDbBlockTable, AcDbBlockTableRecord>(blocks, ACDB_PAPER_SPACE);
+
+  DatabaseState& st = Access::state(db);
+  if (AcDbLayerTableRecord::cast(peek(st.clayer)) == nullptr) st.clayer = zero;
+  if (AcDbLinetypeTableRecord::cast(peek(st.celtype)) == nullptr) st.celtype = byLayerLinetype;
+  if (AcDbMaterial::cast(peek(st.cmaterial)) == nullptr) st.cmaterial = byLayerMaterial;
+}
+
+}  // namespace vora_host
 
 AcDbDatabase::~AcDbDatabase() {
   liveDatabases().erase(this);

@@ -156,6 +156,11 @@ Acad::ErrorStatus AcDbEntity::setPropertiesFrom(const AcDbEntity* pEntity, Adesk
   return Acad::eOk;
 }
 
+void AcDbEntity::recordGraphicsModified(Adesk::Boolean setModifiedFlag) {
+  if (!assertWriteEnabled()) return;
+  if (setModifiedFlag) setHostModified(true);
+}
+
 void AcDbEntity::setDatabaseDefaults() { setDatabaseDefaults(nullptr); }
 
 void AcDbEntity::setDatabaseDefaults(AcDbDatabase* pDb) {

@@ -138,6 +138,12 @@ VORA_HOST_API std::vector<AcDbObjectId> objectsInOrder(const AcDbDatabase* db);
 VORA_HOST_API void setRoot(AcDbDatabase* db, Root which, AcDbObjectId id);
 VORA_HOST_API AcDbObjectId root(const AcDbDatabase* db, Root which);
 
+// Adds to db whatever a new drawing has that db lacks (tables, layer "0",
+// the standard linetypes, styles, model and paper space, the named objects
+// dictionary with its standard entries and materials...), with new handles,
+// and points the current layer, linetype and material at them when unset.
+VORA_HOST_API void ensureDefaults(AcDbDatabase* db);
+
 // Fill functions for loading.
 VORA_HOST_API void setOwner(AcDbObject* obj, AcDbObjectId owner);
 VORA_HOST_API void setExtensionDictionary(AcDbObject* obj, AcDbObjectId dict);

@@ -61,6 +61,8 @@ public:
   // pDb (the entity's own database, or the working database, when null).
   void setDatabaseDefaults();
   void setDatabaseDefaults(AcDbDatabase* pDb);
+  // Marks the entity's geometry changed (its modified flag here).
+  void recordGraphicsModified(Adesk::Boolean setModifiedFlag = true);
 
 protected:
   AcDbEntity();

@@ -227,3 +227,31 @@ TEST(Entities, PropertiesByNameAndFromAnotherEntity) {
 }
 
 }  // namespace
+
+namespace {
+
+TEST(Database, DefaultsAreAddedOnlyWhereMissing) {
+  AcDbDatabase db(false, true);
+  EXPECT_TRUE(vora_host::objectsInOrder(&db).empty());
+  vora_host::ensureDefaults(&db);
+  const std::size_t full = vora_host::objectsInOrder(&db).size();
+  AcDbDatabase reference;
+  EXPECT_EQ(full, vora_host::objectsInOrder(&reference).size());
+  const AcDbHandle seed = db.handseed();
+  vora_host::ensureDefaults(&db);
+  EXPECT_EQ(db.handseed(), seed);
+  EXPECT_EQ(db.clayer(), db.layerZero());
+
+  // A drawing that lacks a layer "0" (as some files do) gets one.
+  AcDbLayerTableRecord* zero = nullptr;
+  ASSERT_EQ(acdbOpenObject(zero, db.layerZero(), AcDb::kForWrite), Acad::eOk);
+  ASSERT_EQ(zero->setName(L"Renamed"), Acad::eOk);
+  zero->close();
+  EXPECT_TRUE(db.layerZero().isNull());
+  vora_host::ensureDefaults(&db);
+  EXPECT_FALSE(db.layerZero().isNull());
+  EXPECT_EQ(vora_host::objectsInOrder(&db).size(), full + 1);
+  EXPECT_EQ(vorahost::openObjectCount(&db), 0u);
+}
+
+}  // namespace

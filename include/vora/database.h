@@ -370,11 +370,11 @@ public:
   int RemoveDict(const ACHAR* path);
 
 private:
-  int parsePath(const ACHAR* text);
+  VORA_HIDDEN int parsePath(const ACHAR* text);
   template <class F>
-  int withKey(const ACHAR* key, F&& op);
+  VORA_HIDDEN int withKey(const ACHAR* key, F&& op);
   template <class T>
-  int addOne(const ACHAR* key, const T& value);
+  VORA_HIDDEN int addOne(const ACHAR* key, const T& value);
 
 #if defined(_MSC_VER)
 #  pragma warning(suppress : 4251)

@@ -25,6 +25,14 @@
 // Marks a class exported by the module for C++ callers.
 #define VORA_CLASS_API VORA_API_ATTR
 
+// Keeps a private member of an exported class out of the export table (its
+// template instantiations would otherwise inherit the class's visibility).
+#if defined(_WIN32)
+#  define VORA_HIDDEN
+#else
+#  define VORA_HIDDEN __attribute__((visibility("hidden")))
+#endif
+
 // Marks what the host library exports: the ObjectARX-compatible API.
 #if defined(_WIN32)
 #  if defined(VORA_HOST_BUILDING)

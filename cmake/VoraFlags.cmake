@@ -16,3 +16,9 @@ if(VORA_SANITIZE)
   add_compile_options(-fsanitize=${VORA_SANITIZE} -fno-omit-frame-pointer -fno-sanitize-recover=all)
   add_link_options(-fsanitize=${VORA_SANITIZE})
 endif()
+
+# In the fuzz build every target carries libFuzzer's coverage instrumentation,
+# so the fuzzer is guided by the reader's branches, not only its own.
+if(VORA_BUILD_FUZZ)
+  add_compile_options(-fsanitize=fuzzer-no-link)
+endif()

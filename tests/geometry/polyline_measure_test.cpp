@@ -5,6 +5,7 @@
 #include <random>
 
 #include "geometry/tolerance.h"
+#include "support/arrays.h"
 #include "support/tolerance_guard.h"
 #include "vora/vora.h"
 
@@ -12,17 +13,8 @@ namespace {
 
 using vora::kPi;
 
-AcGePoint3dArray points(std::initializer_list<AcGePoint3d> list) {
-  AcGePoint3dArray a;
-  for (const AcGePoint3d& p : list) a.append(p);
-  return a;
-}
-
-AcGeDoubleArray doubles(std::initializer_list<double> list) {
-  AcGeDoubleArray a;
-  for (double d : list) a.append(d);
-  return a;
-}
+using vora::test::doubles;
+using vora::test::points;
 
 const AcGePoint3dArray kSquare = points({{0, 0, 0}, {1, 0, 0}, {1, 1, 0}, {0, 1, 0}});
 

@@ -6,23 +6,15 @@
 
 #include "geometry/bulge.h"
 #include "geometry/tolerance.h"
+#include "support/arrays.h"
 #include "vora/vora.h"
 
 namespace {
 
 using vora::kPi;
 
-AcGePoint3dArray points(std::initializer_list<AcGePoint3d> list) {
-  AcGePoint3dArray a;
-  for (const AcGePoint3d& p : list) a.append(p);
-  return a;
-}
-
-AcGeDoubleArray doubles(std::initializer_list<double> list) {
-  AcGeDoubleArray a;
-  for (double d : list) a.append(d);
-  return a;
-}
+using vora::test::doubles;
+using vora::test::points;
 
 TEST(TessellatePline, StraightSegmentsCarryTheirStoredZAndShortListsGiveNothing) {
   AcGePoint3dArray out = points({{-1, -1, -1}});

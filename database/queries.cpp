@@ -372,5 +372,9 @@ VORA_API int vora_sendFrontBack(const AcDbObjectIdArray* ids, bool toFront) {
     order->close();
   }
   space->close();
+  // The moved entities are redrawn in their new order at once, not at the
+  // next regeneration.
+  if (es == Acad::eOk) acdbQueueForRegen(ids->asArrayPtr(), ids->length(), nullptr);
+  acedUpdateDisplay();
   return es == Acad::eOk ? 1 : 0;
 }

@@ -21,5 +21,6 @@
 #include "vora/arx/dbmaterial.h"
 #include "vora/arx/dbsortents.h"
 #include "vora/arx/dbents.h"
+#include "vora/arx/aced.h"
 
 #endif

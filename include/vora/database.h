@@ -145,7 +145,9 @@ VORA_API int vora_ent2pts(AcDbObjectId id, AcGePoint3dArray* points, AcGeDoubleA
 // themselves. Uses the draw-order table of model space, which is not made
 // when the drawing has none. Returns 1 on success; 0 when ids is null, model
 // space has no draw-order table or the move is refused (an id that is not an
-// entity of model space).
+// entity of model space). Whenever model space could be opened, the display
+// is brought up to date afterwards (the moved entities queued for
+// regeneration, then acedUpdateDisplay).
 VORA_API int vora_sendFrontBack(const AcDbObjectIdArray* ids, bool toFront);
 
 // ---------------------------------------------------------------------------

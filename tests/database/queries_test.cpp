@@ -326,7 +326,10 @@ TEST(DrawOrder, FrontAndBackThroughTheExistingTable) {
     space->close();
     return all;
   };
+  vorahost::resetDisplayRequests();
   EXPECT_EQ(vora_sendFrontBack(&ids, true), 1);
+  EXPECT_EQ(vorahost::displayUpdates(), 1u);
+  EXPECT_EQ(vorahost::queuedForRegen(), std::vector<AcDbObjectId>{a});
   AcDbObjectIdArray all = drawOrder();
   ASSERT_EQ(all.length(), 3);
   EXPECT_EQ(all[2], a);
@@ -339,5 +342,7 @@ TEST(DrawOrder, FrontAndBackThroughTheExistingTable) {
   EXPECT_EQ(all[1], c);
   EXPECT_EQ(all[2], a);
   EXPECT_EQ(vora_sendFrontBack(nullptr, false), 0);
+  EXPECT_EQ(vorahost::displayUpdates(), 2u);
+  EXPECT_EQ(vorahost::queuedForRegen(), (std::vector<AcDbObjectId>{a, b, c}));
   EXPECT_EQ(vorahost::openObjectCount(db.get()), 0u);
 }

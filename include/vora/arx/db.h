@@ -337,6 +337,14 @@ Acad::ErrorStatus acdbOpenObject(T*& pObj, AcDbObjectId id, AcDb::OpenMode mode 
   return Acad::eOk;
 }
 
+// Queues the entities for regeneration, so the display shows their new state
+// at the next update. nNumIds ids are read from pIdArray; pDb is accepted for
+// the SDK's signature (the ids name their database). eInvalidInput for a
+// negative count or a missing array with a positive count, eNullObjectId when
+// one of the ids is null; nothing is queued then.
+VORA_HOST_API Acad::ErrorStatus acdbQueueForRegen(const AcDbObjectId* pIdArray, int nNumIds,
+                                                  AcDbDatabase* pDb = nullptr);
+
 // Registers appName in the working database's registered-application table.
 // RTNORM when it was added; RTERROR when it was there already, the name is
 // empty, or there is no working database.

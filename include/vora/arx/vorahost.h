@@ -34,6 +34,13 @@ VORA_HOST_API void resetWriteViolations();
 using PrintSink = std::function<void(const ACHAR* text)>;
 VORA_HOST_API PrintSink setPrintSink(PrintSink sink);
 
+// The host draws nothing, but it keeps the display requests it was given:
+// the ids queued with acdbQueueForRegen (in call order) and the number of
+// acedUpdateDisplay calls since the last reset.
+VORA_HOST_API std::vector<AcDbObjectId> queuedForRegen();
+VORA_HOST_API std::size_t displayUpdates();
+VORA_HOST_API void resetDisplayRequests();
+
 }  // namespace vorahost
 
 #endif

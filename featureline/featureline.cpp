@@ -217,6 +217,7 @@ void Featureline::writeBack() {
   upgradeToWrite();
   VertexSlots slots(mPolyline, mVertices);
   vora::fl::tessellate(mPoints, mTolerance, mMidOrdinateDistance, slots);
+  const bool shrunk = mVertices.size() > slots.cursor();
   while (mVertices.size() > slots.cursor()) {
     AcDb3dPolylineVertex* v = mVertices.back();
     mVertices.pop_back();
@@ -229,6 +230,7 @@ void Featureline::writeBack() {
     // A vertex of a polyline outside any database belongs to that polyline,
     // which has no way to give one back; it stays where it is.
   }
+  if (shrunk) mPolyline->recordGraphicsModified(true);
   vora::fl::computeStations(mPoints, mStations);
 }
 

@@ -7,6 +7,7 @@
 #include <cstring>
 #include <cwchar>
 #include <fstream>
+#include <optional>
 #include <unordered_map>
 
 #include "host/ads/rbkind.h"
@@ -185,6 +186,7 @@ struct Loader {
   bool placeEntity(const RecordCursor& c, const Record& r, AcDbObject* obj, AcDbObjectId id, bool inBlocks);
   void push(Item::Kind kind, std::size_t begin, std::size_t end, AcDbObjectId id = AcDbObjectId());
   resbuf* xdataOf(const RecordCursor& c, std::size_t from);
+  void applyCurrentSettings();
 
   AcDbDatabase* db_;
   DrawingExtra& d_;
@@ -199,6 +201,11 @@ struct Loader {
   bool tableKnown_ = false;
   AcDbObjectId blockId_;
   AcDbObjectId blockBegin_;
+  // The header's current settings, applied once the tables are loaded.
+  std::string clayer_, celtype_;
+  std::uint64_t cmaterial_ = 0;
+  std::optional<std::int64_t> cecolor_, celweight_;
+  std::optional<double> celtscale_;
 };
 
 AcDbObjectId Loader::idOf(std::uint64_t handle) {
@@ -835,6 +842,18 @@ void Loader::header(const RecordCursor& c) {
       d_.hasHandseed = true;
       d_.handseedBegin = c.tags()[i].offset;
       d_.handseedEnd = c.tags()[i].offset + c.tags()[i].length;
+    } else if (var == "$CLAYER" && code == 8) {
+      clayer_ = c.value(i);
+    } else if (var == "$CELTYPE" && code == 6) {
+      celtype_ = c.value(i);
+    } else if (var == "$CMATERIAL" && code == 347) {
+      parseHex(c.value(i), cmaterial_);
+    } else if (std::int64_t n = 0; var == "$CECOLOR" && code == 62) {
+      if (parseInt(c.value(i), n)) cecolor_ = n;
+    } else if (var == "$CELWEIGHT" && code == 370) {
+      if (parseInt(c.value(i), n)) celweight_ = n;
+    } else if (double x = 0.0; var == "$CELTSCALE" && code == 40) {
+      if (parseDouble(c.value(i), x)) celtscale_ = x;
     } else if (var == "$HANDLING" && code == 70) {
       std::int64_t v = 1;
       parseInt(c.value(i), v);
@@ -1055,7 +1074,44 @@ void Loader::run() {
   }
   if (db_->handseed() < AcDbHandle(static_cast<Adesk::UInt64>(nextHandle_)))
     db_->setHandseed(AcDbHandle(static_cast<Adesk::UInt64>(nextHandle_)));
+  applyCurrentSettings();
   for (AcDbObject* o : loaded_) o->setHostModified(false);
+}
+
+// New entities take the layer, linetype, material, colour, linetype scale and
+// lineweight that the header names as current. A name the tables lack (or a
+// file without the variable) leaves what a new drawing uses: layer "0",
+// linetype and material ByLayer. Nothing is created for a missing name: the
+// file would gain a record on its next save.
+void Loader::applyCurrentSettings() {
+  const auto find = [&](AcDbObjectId tableId, const std::string& name) {
+    AcDbObjectId id;
+    AcDbSymbolTable* table = nullptr;
+    if (name.empty() || acdbOpenObject(table, tableId, AcDb::kForRead) != Acad::eOk) return id;
+    if (table->getAt(d_.codec->decode(name).c_str(), id) != Acad::eOk) id = AcDbObjectId();
+    table->close();
+    return id;
+  };
+  AcDbObjectId layer = find(db_->layerTableId(), clayer_);
+  if (layer.isNull()) layer = find(db_->layerTableId(), "0");
+  if (!layer.isNull()) db_->setClayer(layer);
+  AcDbObjectId linetype = find(db_->linetypeTableId(), celtype_);
+  if (linetype.isNull()) linetype = find(db_->linetypeTableId(), "ByLayer");
+  if (!linetype.isNull()) db_->setCeltype(linetype);
+  AcDbObjectId material;
+  if (cmaterial_ != 0) db_->getAcDbObjectId(material, false, AcDbHandle(static_cast<Adesk::UInt64>(cmaterial_)));
+  if (!AcDbMaterial::cast(peek(material))) {
+    AcDbDictionary* materials = nullptr;
+    material = AcDbObjectId();
+    if (acdbOpenObject(materials, db_->materialDictionaryId(), AcDb::kForRead) == Acad::eOk) {
+      materials->getAt(L"ByLayer", material);
+      materials->close();
+    }
+  }
+  if (AcDbMaterial::cast(peek(material))) db_->setCmaterial(material);
+  if (cecolor_ && *cecolor_ >= 0 && *cecolor_ <= 257) db_->setCecolorIndex(static_cast<Adesk::UInt16>(*cecolor_));
+  if (celweight_ && *celweight_ >= -3 && *celweight_ <= 211) db_->setCelweight(static_cast<AcDb::LineWeight>(*celweight_));
+  if (celtscale_) db_->setCeltscale(*celtscale_);  // refuses a scale that is not positive
 }
 
 // ---------------------------------------------------------------------------

@@ -147,6 +147,39 @@ TEST(DxfIo, FailedSaveLeavesTheOldFile) {
   EXPECT_NE(dxf::readFileBytes(out), "old");
 }
 
+TEST(DxfIo, CurrentSettingsComeFromTheHeader) {
+  const auto nameOf = [](AcDbObjectId id) {
+    AcDbSymbolTableRecord* rec = nullptr;
+    std::wstring name;
+    if (acdbOpenObject(rec, id, AcDb::kForRead) != Acad::eOk) return name;
+    const ACHAR* n = nullptr;
+    rec->getName(n);
+    name = n;
+    rec->close();
+    return name;
+  };
+  const std::string corpus = std::string(VORA_TEST_DATA_DIR) + "/corpus/";
+  auto db = load(corpus + "r2007-acad-example.dxf");
+  ASSERT_TRUE(db);
+  EXPECT_EQ(nameOf(db->clayer()), L"Tavolo 3");
+  EXPECT_EQ(nameOf(db->celtype()), L"ByLayer");
+  EXPECT_EQ(db->cecolorIndex(), 256);
+  EXPECT_FALSE(db->cmaterial().isNull());
+
+  db = load(corpus + "r2013-qcadpro-flange.dxf");
+  ASSERT_TRUE(db);
+  EXPECT_EQ(nameOf(db->clayer()), L"defpoints");
+  EXPECT_EQ(db->cecolorIndex(), 178);
+  db = load(corpus + "r2010-teigha-line.dxf");
+  ASSERT_TRUE(db);
+  EXPECT_EQ(nameOf(db->celtype()), L"ByBlock");
+
+  // No header at all: what a new drawing uses.
+  db = load(corpus + "r12-entities-only-3dfaces.dxf");
+  ASSERT_TRUE(db);
+  EXPECT_EQ(nameOf(db->clayer()), L"0");
+}
+
 }  // namespace
 
 namespace {

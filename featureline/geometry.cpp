@@ -213,9 +213,10 @@ void tessellateArcSpan(const std::vector<FeaturelinePoint>& points, std::size_t 
       if (samples.length() < kMinArcSamples) {
         samples.removeAll();
         params.removeAll();
-        const double step = std::fabs(t1 - t0) / (kMinArcSamples - 1);
+        // k * span / 15 rather than k * (span / 15): the parameters are
+        // compared bit for bit with other implementations of this rule.
         for (int k = 0; k < kMinArcSamples; ++k) {
-          const double t = t0 + k * step;
+          const double t = t0 + k * std::fabs(t1 - t0) / (kMinArcSamples - 1);
           params.append(t);
           samples.append(arc.evalPoint(t));
         }

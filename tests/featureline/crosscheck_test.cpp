@@ -201,7 +201,7 @@ TEST_F(FeaturelineCrosscheck, GeneratedAlignmentsLoadAndEditAlike) {
       std::string refOut;
       int refCode = 0, got = 0;
       auto index = [&] { return gen.chance(0.1) ? static_cast<int>(n) + gen.pick(2) : gen.pick(static_cast<int>(n)); };
-      switch (gen.pick(8)) {
+      switch (gen.pick(9)) {
         case 0: {
           const double s = gen.chance(0.25) ? gen.uni(-1, total + 1) : gen.uni(0, total);
           const double z = gen.uni(-10, 900);
@@ -260,6 +260,29 @@ TEST_F(FeaturelineCrosscheck, GeneratedAlignmentsLoadAndEditAlike) {
           got = vora_featureline_set_mid_ordinate_dist(id, recalc ? 1 : 0, d);
           break;
         }
+        case 7: {
+          double* coords = nullptr;
+          int* types = nullptr;
+          int coordCount = -1, typeCount = -1;
+          got = vora_featureline_get_elevpts(id, &coords, &coordCount, &types, &typeCount);
+          ASSERT_EQ(coordCount, static_cast<int>(4 * n)) << what;
+          ASSERT_EQ(typeCount, static_cast<int>(n)) << what;
+          for (std::size_t i = 0; i < n; ++i) {
+            EXPECT_TRUE(same(AcGePoint3d(coords[4 * i], coords[4 * i + 1], coords[4 * i + 2]), now.points[i].pos));
+            EXPECT_TRUE(same(coords[4 * i + 3], now.stations[i])) << what << " station " << i;
+            EXPECT_EQ(static_cast<std::uint32_t>(types[i]), now.points[i].type) << what << " type " << i;
+          }
+          vora_free(coords);
+          vora_free(types);
+          double d = 0.0;
+          EXPECT_EQ(vora_featureline_get_mid_ordinate_dist(id, &d), 0);
+          EXPECT_TRUE(same(d, now.mod)) << what;
+          Featureline fl(id, AcDb::kForRead);
+          fl.dump();
+          fl.release();
+          refOut = flref::dump(now);
+          break;
+        }
         default: {
           // The model's own move and set operations, with their index errors.
           const std::size_t i = static_cast<std::size_t>(index());
@@ -301,7 +324,7 @@ TEST_F(FeaturelineCrosscheck, GeneratedAlignmentsLoadAndEditAlike) {
       ++edits_;
     }
   }
-  std::printf("[ crosscheck ] %zu loads (%zu arcs, %zu grade breaks), %zu edits (%zu with messages) compared; codes:",
+  std::printf("[ crosscheck ] %zu loads (%zu arcs, %zu grade breaks), %zu edits (%zu with printed output) compared; codes:",
               loads_, arcs_, breaks_, edits_, messages_);
   for (const auto& [code, count] : codes_) std::printf(" %d x%d", code, count);
   std::printf("\n");

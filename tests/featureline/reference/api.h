@@ -142,6 +142,27 @@ inline int setMidOrdinate(Line& l, double def, std::string& out, bool recalculat
   });
 }
 
+// The model as the diagnostic dump prints it.
+inline std::string dump(const Model& m) {
+  char buf[512];
+  std::snprintf(buf, sizeof buf, "Featureline: \nNumber of feature points: %d, mid ordinate distance: %f\nFeature points: \n",
+                static_cast<int>(m.points.size()), m.mod);
+  std::string out = buf;
+  for (std::size_t i = 0; i < m.points.size(); ++i) {
+    const AcGePoint3d& p = m.points[i].pos;
+    double length = 0.0, grade = 0.0;
+    if (i + 1 < m.points.size()) {
+      length = m.stations[i + 1] - m.stations[i];
+      grade = (m.points[i + 1].pos.z - p.z) / length;
+    }
+    std::snprintf(buf, sizeof buf, "    p%d: (%.9f, %.9f, %.9f) t:%s station: %f bulge: %.9f length: %f grade: %f \n",
+                  static_cast<int>(i), p.x, p.y, p.z, m.points[i].isFeature() ? "V" : "E", m.stations[i],
+                  m.points[i].bulge, length, grade);
+    out += buf;
+  }
+  return out;
+}
+
 }  // namespace vora::flref
 
 #endif

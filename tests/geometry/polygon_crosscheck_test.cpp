@@ -86,7 +86,8 @@ private:
 // Tolerance settings the cases cycle through: the defaults, a loose value
 // with a tight point tolerance and the reverse, zero (every strict test off),
 // and a coarse setting that makes near-ties common.
-constexpr double kTolerances[][2] = {{1e-7, 1e-7}, {1e-3, 1e-9}, {1e-9, 1e-3}, {0.0, 0.0}, {0.05, 0.05}};
+constexpr double kTolerances[][2] = {{1e-7, 1e-7}, {1e-3, 1e-9}, {1e-9, 1e-3}, {0.0, 0.0}, {0.05, 0.05}, {0.0, 1e-6}};
+constexpr int kToleranceCount = 6;
 
 class Gen {
 public:
@@ -113,7 +114,7 @@ public:
         x = std::round(x);
         y = std::round(y);
       }
-      p.append({x, y, pick(4) == 0 ? 0.0 : uniform(-5, 5)});
+      p.append({x, y, height()});
     }
     for (int k = pick(4); k > 0 && p.length() > 1; --k) {
       const int i = pick(p.length() - 1);
@@ -136,6 +137,58 @@ public:
     if (pick(4) != 0 && p.length() > 0) {
       const AcGePoint3d first = p[0];
       p.append(first);
+    }
+    return p;
+  }
+
+  // Heights that sit on the tests' thresholds now and then.
+  double height() {
+    switch (pick(8)) {
+      case 0: return 0.0;
+      case 1: return -0.0;
+      case 2: return -0.5;
+      default: return uniform(-5, 5);
+    }
+  }
+
+  // An axis-parallel rectangle with a corner at the origin, with vertices put
+  // on its edges exactly 0, 1/2, 1 or 2 point tolerances off the edge, or
+  // exactly one point tolerance along it from a corner, so that the strict
+  // tolerance tests meet exact ties. The ring is closed exactly, or a point
+  // tolerance short, or left open.
+  AcGePoint3dArray rectilinear() {
+    const double tol = vora::tolPoint();
+    const double w = 1 + pick(4), h = 1 + pick(4);
+    AcGePoint3dArray p;
+    const double corners[4][2] = {{0, 0}, {w, 0}, {w, h}, {0, h}};
+    const bool cw = coin();
+    for (int k = 0; k < 4; ++k) {
+      const double* c = corners[cw ? (4 - k) % 4 : k];
+      p.append({c[0], c[1], height()});
+    }
+    for (int k = pick(4); k > 0; --k) {
+      const int i = pick(p.length());
+      const AcGePoint3d a = p[i];
+      const AcGePoint3d b = p[(i + 1) % p.length()];
+      const double offs[] = {0.0, tol, -tol, tol / 2, 2 * tol};
+      const double off = offs[pick(5)];
+      AcGePoint3d m;
+      if (pick(3) == 0) {  // one tolerance along the edge from its start (exact at the origin corner)
+        const double dx = b.x > a.x ? tol : b.x < a.x ? -tol : 0.0;
+        const double dy = b.y > a.y ? tol : b.y < a.y ? -tol : 0.0;
+        m = {a.x + dx, a.y + dy, height()};
+      } else if (a.y == b.y) {
+        m = {(a.x + b.x) / 2, a.y + off, height()};
+      } else {
+        m = {a.x + off, (a.y + b.y) / 2, height()};
+      }
+      p.insertAt(i + 1, m);
+    }
+    const AcGePoint3d first = p[0];
+    switch (pick(4)) {
+      case 0: break;
+      case 1: p.append({first.x + tol, first.y, first.z}); break;
+      default: p.append(first);
     }
     return p;
   }
@@ -331,7 +384,7 @@ TEST(PolygonCrossCheck, PropertiesBoxesAndSimplificationMatchTheReference) {
   Gen g(20261123);
   Tally t;
   for (int iter = 0; iter < 6000; ++iter) {
-    const double* tol = kTolerances[iter % 5];
+    const double* tol = kTolerances[iter % kToleranceCount];
     ToleranceGuard guard(tol[0], tol[1]);
     AcGePoint3dArray p;
     AcGeDoubleArray b;
@@ -345,8 +398,12 @@ TEST(PolygonCrossCheck, PropertiesBoxesAndSimplificationMatchTheReference) {
     } else {
       const double scale = g.pick(3) == 0 ? 1e-3 * std::pow(10.0, g.pick(9)) : 3.0;
       const double origin = g.pick(5) == 0 ? 1e6 : 0.0;
-      p = g.ring(g.pick(12) == 0 ? g.pick(3) : 3 + g.pick(9), origin, -origin, scale);
+      p = g.pick(3) == 0 ? g.rectilinear() : g.ring(g.pick(12) == 0 ? g.pick(3) : 3 + g.pick(9), origin, -origin, scale);
       b = g.bulges(p.length());
+    }
+    if (g.pick(40) == 0 && p.length() > 0) {  // a coordinate that is not a number or not finite
+      const double odd[] = {std::numeric_limits<double>::quiet_NaN(), std::numeric_limits<double>::infinity()};
+      p[g.pick(p.length())].y = odd[g.pick(2)];
     }
     checkProperties(g, t, p, b);
     checkBoxes(g, t, p, b);
@@ -360,7 +417,7 @@ AcArray<AcGePoint3dArray> polygons(Gen& g, int count, double scale) {
   AcArray<AcGePoint3dArray> set;
   for (int i = 0; i < count; ++i) {
     const double ox = g.uniform(-1, 1) * scale, oy = g.uniform(-1, 1) * scale;
-    AcGePoint3dArray p = g.ring(3 + g.pick(6), ox, oy, scale);
+    AcGePoint3dArray p = g.pick(4) == 0 ? g.rectilinear() : g.ring(3 + g.pick(6), ox, oy, scale);
     if (g.pick(20) == 0) p.setLogicalLength(g.pick(3));  // empty or too short to be a path
     set.append(p);
   }
@@ -372,7 +429,7 @@ TEST(PolygonCrossCheck, BooleanOperationsMatchTheReference) {
   Tally t;
   constexpr int kFlags[] = {0x10, 0x11, 0x12, 0x13, 0x30, 0x1c, 0x00, 0x03};
   for (int iter = 0; iter < 1500; ++iter) {
-    const double* tol = kTolerances[iter % 5];
+    const double* tol = kTolerances[iter % kToleranceCount];
     ToleranceGuard guard(tol[0], tol[1]);
     const double scale = g.pick(3) == 0 ? 1e-6 * std::pow(10.0, g.pick(8)) : 3.0;
     AcArray<AcGePoint3dArray> subjects = polygons(g, 1 + g.pick(3), scale);

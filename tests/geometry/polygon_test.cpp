@@ -248,21 +248,6 @@ TEST(PointInPolygonB, PointsBetweenChordAndArcFlip) {
   EXPECT_FALSE(vora_ispointinpolygonB(&square, &shortList, underChord, false, &tol));
 }
 
-TEST(PointInPolygonB, AgreesWithTheChordTestWithoutArcs) {
-  std::mt19937_64 rng(99);
-  std::uniform_real_distribution<double> c(-8.0, 14.0), d(-18.0, 4.0);
-  const double tol = 1e-7;
-  for (int k = 0; k < 20; ++k) {
-    const AcGePoint3dArray ring = randomRing(rng, 12);
-    AcGeDoubleArray zero;
-    zero.setLogicalLength(ring.length(), 0.0);
-    for (int q = 0; q < 50; ++q) {
-      const double p[3] = {c(rng), d(rng), 0.0};
-      EXPECT_EQ(vora_ispointinpolygonB(&ring, &zero, p, false, &tol), vora_ispointinpolygon(&ring, p, false, &tol));
-    }
-  }
-}
-
 // The slab index must answer exactly like the test over all edges, also for
 // points on vertices, on edges and on the rays through vertices.
 TEST(PointInPolygonSlabs, AgreeWithTheTestOverAllEdges) {

@@ -113,6 +113,7 @@ bool Featureline::insertElevationPoint(double station, double elevation) {
   if (station - mStations[mPoints.size() - 1] > vora::fl::kNearZero) return false;
   std::size_t k = 1;
   while (k < mPoints.size() && mStations[k] < station - vora::fl::kNearZero) ++k;
+  // Only a line of one point gets here: it has no segment to hold the point.
   if (k >= mPoints.size()) return false;
   const std::size_t p = k - 1;
   const FeaturelinePoint& before = mPoints[p];
@@ -160,6 +161,8 @@ bool Featureline::eraseFeaturePoint(std::size_t i) {
   } else if (i + 1 < mPoints.size() || mPoints.size() < 2) {
     // The point goes with the grade breaks of the arc it started; the previous
     // feature point keeps its bulge and now reaches the next feature point.
+    // A line of one point has no next feature point: the range runs to the
+    // end and the point goes.
     const auto to = std::find_if(at + 1, mPoints.end(), [](const FeaturelinePoint& q) { return q.isFeaturePoint(); });
     mPoints.erase(at, to);
   } else {

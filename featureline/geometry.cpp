@@ -39,6 +39,8 @@ void appendGradeBreaks(const std::vector<AcGePoint3d>& pos, std::size_t i, std::
              (rising ? pos[j].z >= pos[j - 1].z : pos[j].z <= pos[j - 1].z))
         ++j;
       if (j <= e) breakAt(j - 1);
+      // The walk resumes at the first vertex that left the step; resuming at
+      // the break itself would find the same step again and repeat the break.
       k = j;
       continue;
     }
@@ -77,17 +79,104 @@ std::vector<AcGePoint3d> withoutDuplicates(const AcGePoint3d* positions, std::si
   return kept;
 }
 
-std::size_t nextNonCollinear(const std::vector<AcGePoint3d>& pos, std::size_t i) {
-  for (std::size_t k = i + 2; k < pos.size(); ++k)
-    if (!AcGeLineSeg2d(plan(pos[i]), plan(pos[k])).isOn(plan(pos[k - 1]))) return k - 1;
+namespace {
+
+// b - a when the subtraction is exact (the rounding error of the sum, found
+// with Knuth's two-sum, is zero); false otherwise.
+bool exactDifference(double b, double a, double& d) {
+  d = b - a;
+  const double bv = d - b;
+  const double err = (b - (d - bv)) + (-a - bv);
+  return err == 0.0;
+}
+
+// Whether a * b == c * d exactly: a product is the pair of its rounded value
+// and its rounding error (fma), and that pair is unique. Factors so small
+// that the error could underflow are refused.
+bool sameProduct(double a, double b, double c, double d) {
+  for (double f : {a, b, c, d})
+    if (f != 0.0 && !(std::fabs(f) >= 1e-140 && std::fabs(f) <= 1e140)) return false;
+  const double p = a * b, q = c * d;
+  return p == q && std::fma(a, b, -p) == std::fma(c, d, -q);
+}
+
+int sign(double v) { return (v > 0.0) - (v < 0.0); }
+
+// How far from the origin an exact straight run may reach, per unit of the
+// global point tolerance, for the host's on-segment test of its vertices to
+// be certain: a vertex exactly on a segment is found off it by rounding
+// alone, a few units of roundoff (1.1e-16) of the coordinates involved, and
+// this keeps the tolerance at 90 such units or more. With the default 1e-10,
+// runs within 1e4 of the origin qualify.
+constexpr double kExactRunReach = 1e14;
+
+double planMagnitude(const AcGePoint3d& p) { return std::max(std::fabs(p.x), std::fabs(p.y)); }
+
+}  // namespace
+
+std::vector<std::size_t> exactStraightRuns(const std::vector<AcGePoint3d>& pos) {
+  const std::size_t n = pos.size();
+  std::vector<std::size_t> runs(n);
+  double nextDx = 0.0, nextDy = 0.0;
+  for (std::size_t k = n; k-- > 0;) {
+    runs[k] = k;
+    double dx = 0.0, dy = 0.0;
+    if (k + 1 >= n || !exactDifference(pos[k + 1].x, pos[k].x, dx) || !exactDifference(pos[k + 1].y, pos[k].y, dy) ||
+        (dx == 0.0 && dy == 0.0)) {
+      nextDx = nextDy = 0.0;
+      continue;
+    }
+    runs[k] = k + 1;
+    // Steps k -> k+1 and k+1 -> k+2 parallel and pointing the same way:
+    // the three positions lie on one line in this order.
+    if (runs[k + 1] > k + 1 && sameProduct(dx, nextDy, dy, nextDx) && sign(dx) == sign(nextDx) &&
+        sign(dy) == sign(nextDy))
+      runs[k] = runs[k + 1];
+    nextDx = dx;
+    nextDy = dy;
+  }
+  return runs;
+}
+
+std::size_t nextNonCollinear(const std::vector<AcGePoint3d>& pos, std::size_t i, std::vector<std::size_t>* runs) {
+  auto onSegment = [&](std::size_t k) { return AcGeLineSeg2d(plan(pos[i]), plan(pos[k])).isOn(plan(pos[k - 1])); };
+  std::size_t k = i + 2;
+  // Most scans end at their first test (any vertex of a curve); the runs are
+  // worked out only once a scan gets past it.
+  if (runs != nullptr && k < pos.size()) {
+    if (!onSegment(k)) return k - 1;
+    ++k;
+    if (runs->empty()) *runs = exactStraightRuns(pos);
+  }
+  if (runs != nullptr && k < pos.size() && (*runs)[i] >= k) {
+    // Every vertex of an exact straight run lies on the segment between any
+    // two others around it, so the test below would pass for all of them
+    // while they are near enough the origin for rounding not to count. Each
+    // coordinate moves one way along the run, so how far the stretch from i
+    // to r reaches grows with r: the last vertex that qualifies is found by
+    // bisection, and testing resumes after it.
+    const double reach = AcGeContext::gTol.equalPoint() * kExactRunReach;
+    const double from = planMagnitude(pos[i]);
+    std::size_t lo = i, hi = (*runs)[i];
+    while (lo < hi) {
+      const std::size_t mid = lo + (hi - lo + 1) / 2;
+      if (std::max(from, planMagnitude(pos[mid])) <= reach)
+        lo = mid;
+      else
+        hi = mid - 1;
+    }
+    k = std::max(k, lo + 1);
+  }
+  for (; k < pos.size(); ++k)
+    if (!onSegment(k)) return k - 1;
   return i;
 }
 
 bool recognizeArc(const std::vector<AcGePoint3d>& pos, std::size_t i, const AcGeTol& tol, double maxStepAngle,
-                  std::size_t& middle, std::size_t& end) {
-  const std::size_t m = nextNonCollinear(pos, i);
+                  std::size_t& middle, std::size_t& end, std::vector<std::size_t>* runs) {
+  const std::size_t m = nextNonCollinear(pos, i, runs);
   // With nothing off the line from i, the second scan would repeat the first.
-  const std::size_t e = m == i ? i : nextNonCollinear(pos, m);
+  const std::size_t e = m == i ? i : nextNonCollinear(pos, m, runs);
   const AcGeCircArc2d arc(plan(pos[i]), plan(pos[m]), plan(pos[e]));
   if (arc.isDegenerate()) return false;
 
@@ -96,6 +185,8 @@ bool recognizeArc(const std::vector<AcGePoint3d>& pos, std::size_t i, const AcGe
   if (!(circle.paramOf(plan(pos[e])) > circle.paramOf(plan(pos[m])))) circle.reverseParam();
 
   int counted = 1;
+  // Vertex i is the reference vector's point: its angle is 0 by construction,
+  // not whatever paramOf would round it to (possibly just below 2 pi).
   double previous = 0.0;
   std::size_t last = i;
   for (std::size_t j = i + 1; j < pos.size(); ++j) {
@@ -120,9 +211,10 @@ std::vector<FeaturelinePoint> buildPoints(const std::vector<AcGePoint3d>& pos, c
   points.reserve(pos.size());
   std::size_t i = 0;
   std::vector<double> s;
+  std::vector<std::size_t> runs;
   while (i < pos.size()) {
     std::size_t m = 0, e = 0;
-    if (i + 4 < pos.size() && recognizeArc(pos, i, tol, maxStepAngle, m, e)) {
+    if (i + 4 < pos.size() && recognizeArc(pos, i, tol, maxStepAngle, m, e, &runs)) {
       const AcGeCircArc2d arc(plan(pos[i]), plan(pos[m]), plan(pos[e]));
       double bulge = std::tan((arc.endAng() - arc.startAng()) / 4.0);
       if (arc.isClockWise()) bulge = -bulge;
@@ -148,6 +240,9 @@ AcGeCircArc2d segmentArc(const AcGePoint3d& a, const AcGePoint3d& b, double bulg
 }
 
 double planLength(const AcGePoint3d& a, const AcGePoint3d& b, double bulge) {
+  // Measured on the arc as it runs from a (a clockwise one turned round), the
+  // same arc whose lengths place the samples and elevation points of a
+  // write-back, so stations and arc distances agree to the last bit.
   if (isNonZero(bulge)) return segmentArc(a, b, bulge).length();
   return plan(a).distanceTo(plan(b));
 }

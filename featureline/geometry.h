@@ -30,14 +30,25 @@ double pointTolerance(const AcGePoint3d& first, const AcGePoint3d& last, double 
 // Positions with every vertex dropped that equals the last kept one in 3D.
 std::vector<AcGePoint3d> withoutDuplicates(const AcGePoint3d* positions, std::size_t count, const AcGeTol& tol);
 
+// For each vertex k, the last index r >= k such that the plan positions of
+// k..r lie exactly (no rounding anywhere) on one line, each strictly further
+// along it than the one before; k itself when vertex k + 1 shares its plan
+// position or does not exist.
+std::vector<std::size_t> exactStraightRuns(const std::vector<AcGePoint3d>& pos);
+
 // From vertex i: the vertex before the first k >= i + 2 whose predecessor is
 // off the plan segment p(i) -> p(k) (global tolerance), or i when there is none.
-std::size_t nextNonCollinear(const std::vector<AcGePoint3d>& pos, std::size_t i);
+// With runs, a cache of exactStraightRuns(pos) that is filled when first
+// needed (pass it empty), the answer is the same, found without testing the
+// vertices of an exact straight run one by one.
+std::size_t nextNonCollinear(const std::vector<AcGePoint3d>& pos, std::size_t i,
+                             std::vector<std::size_t>* runs = nullptr);
 
 // A run of vertices from i on one circle: ends at end, with middle used for the
 // three-point arc. False when no arc of at least four vertices starts at i.
+// runs as for nextNonCollinear.
 bool recognizeArc(const std::vector<AcGePoint3d>& pos, std::size_t i, const AcGeTol& tol, double maxStepAngle,
-                  std::size_t& middle, std::size_t& end);
+                  std::size_t& middle, std::size_t& end, std::vector<std::size_t>* runs = nullptr);
 
 // The model points of deduplicated positions: recognised arcs become a
 // bulged feature point followed by their grade breaks as elevation points.

@@ -56,7 +56,19 @@ public:
     v.push_back(at);
     const int parts = 1 + pick(5);
     for (int part = 0; part < parts; ++part) {
-      if (chance(0.4)) {
+      if (chance(0.1)) {
+        // An exact straight run: dyadic steps from a dyadic point, so that no
+        // coordinate is rounded; long enough that scanning it costs.
+        static const double steps[][2] = {{0.5, 0.25}, {1, 0}, {0, -2}, {-0.75, 0.125}, {3, -4}, {0.5, 0.5}};
+        const double* d = steps[pick(6)];
+        AcGePoint3d p(std::round(at.x * 8) / 8, std::round(at.y * 8) / 8, at.z);
+        for (int k = 10 + pick(50); k > 0; --k) {
+          v.push_back(p);
+          p += AcGeVector3d(d[0], d[1], chance(0.1) ? uni(-1, 1) : 0.0);
+        }
+        at = v.back();
+        heading = std::atan2(d[1], d[0]);
+      } else if (chance(0.4)) {
         const double len = uni(2, 300);
         const int pieces = 1 + pick(4);
         const bool jitter = chance(0.3);

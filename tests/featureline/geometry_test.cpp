@@ -338,3 +338,35 @@ TEST(FeaturelineErrors, NamesAndTheUnknownValue) {
 }
 
 }  // namespace
+
+TEST(FeaturelineGeometry, ExactStraightRunsAndTheScanThatSkipsThem) {
+  // A dyadic run, a vertical step, a turn back, and steps whose products
+  // agree once rounded but not exactly (cross product 2^-60).
+  const double e30 = std::ldexp(1.0, -30), e29 = std::ldexp(1.0, -29);
+  const std::vector<AcGePoint3d> pos = {
+      {0, 0, 0},     {0.5, 0.25, 0}, {1, 0.5, 0},     {1.5, 0.75, 0}, {1.5, 0.75, 2},  // 0..3 exact, 4 vertical
+      {2, 1, 2},     {1, 0.5, 2},                                                     // 4 -> 5 -> 6 turns back
+      {0, 0, 0},     {1 + e30, 1 + e29, 0}, {2 + e30, 2 + e29 + e30, 0},              // 7..9 not exactly straight
+      {1.0, 5, 0},   {1e17, 5, 0},                                                    // an inexact step
+  };
+  const auto runs = vora::fl::exactStraightRuns(pos);
+  const std::vector<std::size_t> want = {3, 3, 3, 3, 5, 7, 7, 8, 9, 10, 10, 11};
+  EXPECT_EQ(runs, want);
+
+  // The scan gives the same answer with and without the runs, also for a run
+  // too far out for the shortcut and with another global tolerance.
+  std::vector<AcGePoint3d> line;
+  for (int k = 0; k < 40; ++k) line.emplace_back(9990.0 + 0.5 * k, -3.0 + 0.25 * k, 0.0);
+  line.emplace_back(line.back().x + 1.0, line.back().y + 2.0, 0.0);
+  for (int k = 0; k < 10; ++k) line.emplace_back(line.back().x + 1.0, line.back().y, 0.0);
+  const AcGeTol saved = AcGeContext::gTol;
+  for (double tol : {1e-10, 1e-13, 1e-6}) {
+    AcGeContext::gTol.setEqualPoint(tol);
+    for (const std::vector<AcGePoint3d>* p : {&pos, const_cast<const std::vector<AcGePoint3d>*>(&line)}) {
+      std::vector<std::size_t> r;
+      for (std::size_t i = 0; i < p->size(); ++i)
+        EXPECT_EQ(vora::fl::nextNonCollinear(*p, i, &r), vora::fl::nextNonCollinear(*p, i)) << tol << " " << i;
+    }
+  }
+  AcGeContext::gTol = saved;
+}

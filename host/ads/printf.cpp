@@ -5,34 +5,15 @@
 #include <utility>
 #include <vector>
 
+#include "host/common/utf8.h"
 #include "vora/arx/ads.h"
 #include "vora/arx/vorahost.h"
 
 namespace {
 
-void appendUtf8(std::string& out, char32_t c) {
-  if (c < 0x80) {
-    out += static_cast<char>(c);
-  } else if (c < 0x800) {
-    out += static_cast<char>(0xC0 | (c >> 6));
-    out += static_cast<char>(0x80 | (c & 0x3F));
-  } else if (c < 0x10000) {
-    out += static_cast<char>(0xE0 | (c >> 12));
-    out += static_cast<char>(0x80 | ((c >> 6) & 0x3F));
-    out += static_cast<char>(0x80 | (c & 0x3F));
-  } else if (c < 0x110000) {
-    out += static_cast<char>(0xF0 | (c >> 18));
-    out += static_cast<char>(0x80 | ((c >> 12) & 0x3F));
-    out += static_cast<char>(0x80 | ((c >> 6) & 0x3F));
-    out += static_cast<char>(0x80 | (c & 0x3F));
-  } else {
-    out += "\xEF\xBF\xBD";
-  }
-}
-
 void stdoutSink(const ACHAR* text) {
   std::string bytes;
-  for (const ACHAR* p = text; *p != 0; ++p) appendUtf8(bytes, static_cast<char32_t>(*p));
+  for (const ACHAR* p = text; *p != 0; ++p) vora_host::appendUtf8(bytes, static_cast<char32_t>(*p));
   std::fwrite(bytes.data(), 1, bytes.size(), stdout);
   std::fflush(stdout);
 }

@@ -73,6 +73,22 @@ bool AcGeLinearEnt2d::isDegenerate(AcGe::EntityId& degenerateType, const AcGeTol
   return true;
 }
 
+void AcGeLinearEnt2d::getSamplePoints(double fromParam, double toParam, double, AcGePoint2dArray& pointArray,
+                                      AcGeDoubleArray& paramArray) const {
+  pointArray.removeAll();
+  paramArray.removeAll();
+  pointArray.append(evalPoint(fromParam));
+  paramArray.append(fromParam);
+  pointArray.append(evalPoint(toParam));
+  paramArray.append(toParam);
+}
+
+void AcGeLinearEnt2d::getSamplePoints(int numSample, AcGePoint2dArray& pointArray) const {
+  pointArray.removeAll();
+  for (int k = 0; k < numSample; ++k)
+    pointArray.append(evalPoint(numSample == 1 ? 0.0 : static_cast<double>(k) / (numSample - 1)));
+}
+
 AcGeLine2d& AcGeLine2d::set(const AcGePoint2d& pnt, const AcGeVector2d& vec) {
   mOrigin = pnt;
   mDir = vec;
@@ -85,22 +101,6 @@ bool AcGeLine2d::isOn(const AcGePoint2d& pnt, const AcGeTol& tol) const {
   const double len = mDir.length();
   if (len == 0.0) return (pnt - mOrigin).length() <= tol.equalPoint();
   return std::fabs(cross(mDir, pnt - mOrigin)) / len <= tol.equalPoint();
-}
-
-void AcGeLine2d::getSamplePoints(double fromParam, double toParam, double, AcGePoint2dArray& pointArray,
-                                 AcGeDoubleArray& paramArray) const {
-  pointArray.removeAll();
-  paramArray.removeAll();
-  pointArray.append(evalPoint(fromParam));
-  paramArray.append(fromParam);
-  pointArray.append(evalPoint(toParam));
-  paramArray.append(toParam);
-}
-
-void AcGeLine2d::getSamplePoints(int numSample, AcGePoint2dArray& pointArray) const {
-  pointArray.removeAll();
-  for (int k = 0; k < numSample; ++k)
-    pointArray.append(evalPoint(numSample == 1 ? 0.0 : static_cast<double>(k) / (numSample - 1)));
 }
 
 AcGeLine2d& AcGeLine2d::reverseParam() {
@@ -120,22 +120,6 @@ double AcGeLineSeg2d::paramOf(const AcGePoint2d& pnt, const AcGeTol&) const {
 
 bool AcGeLineSeg2d::isOn(const AcGePoint2d& pnt, const AcGeTol& tol) const {
   return distanceAt(pnt, paramOf(pnt, tol)) <= tol.equalPoint();
-}
-
-void AcGeLineSeg2d::getSamplePoints(double fromParam, double toParam, double, AcGePoint2dArray& pointArray,
-                                    AcGeDoubleArray& paramArray) const {
-  pointArray.removeAll();
-  paramArray.removeAll();
-  pointArray.append(evalPoint(fromParam));
-  paramArray.append(fromParam);
-  pointArray.append(evalPoint(toParam));
-  paramArray.append(toParam);
-}
-
-void AcGeLineSeg2d::getSamplePoints(int numSample, AcGePoint2dArray& pointArray) const {
-  pointArray.removeAll();
-  for (int k = 0; k < numSample; ++k)
-    pointArray.append(evalPoint(numSample == 1 ? 0.0 : static_cast<double>(k) / (numSample - 1)));
 }
 
 AcGeLineSeg2d& AcGeLineSeg2d::reverseParam() {

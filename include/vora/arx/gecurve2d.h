@@ -85,6 +85,12 @@ public:
                        double tol = AcGeContext::gTol.equalPoint()) const override;
   using AcGeCurve2d::isDegenerate;
   bool isDegenerate(AcGe::EntityId& degenerateType, const AcGeTol& tol = AcGeContext::gTol) const override;
+  // A straight piece needs no more than its ends: the samples are the two
+  // given parameters (an unbounded line has no interval of its own).
+  void getSamplePoints(double fromParam, double toParam, double approxEps, AcGePoint2dArray& pointArray,
+                       AcGeDoubleArray& paramArray) const override;
+  // Samples the parameters 0 to 1.
+  void getSamplePoints(int numSample, AcGePoint2dArray& pointArray) const override;
 
 protected:
   AcGeLinearEnt2d() : mDir(AcGeVector2d::kXAxis) {}
@@ -112,11 +118,6 @@ public:
   AcGe::EntityId type() const override { return AcGe::kLine2d; }
   using AcGeCurve2d::isOn;
   bool isOn(const AcGePoint2d& pnt, const AcGeTol& tol = AcGeContext::gTol) const override;
-  // An unbounded line has no interval: the samples span the given parameters.
-  void getSamplePoints(double fromParam, double toParam, double approxEps, AcGePoint2dArray& pointArray,
-                       AcGeDoubleArray& paramArray) const override;
-  // Samples the parameters 0 to 1.
-  void getSamplePoints(int numSample, AcGePoint2dArray& pointArray) const override;
   AcGeLine2d& reverseParam() override;
 };
 
@@ -140,9 +141,6 @@ public:
   double paramOf(const AcGePoint2d& pnt, const AcGeTol& tol = AcGeContext::gTol) const override;
   using AcGeCurve2d::isOn;
   bool isOn(const AcGePoint2d& pnt, const AcGeTol& tol = AcGeContext::gTol) const override;
-  void getSamplePoints(double fromParam, double toParam, double approxEps, AcGePoint2dArray& pointArray,
-                       AcGeDoubleArray& paramArray) const override;
-  void getSamplePoints(int numSample, AcGePoint2dArray& pointArray) const override;
   AcGeLineSeg2d& reverseParam() override;
 };
 

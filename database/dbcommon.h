@@ -3,6 +3,7 @@
 #define VORA_DATABASE_DBCOMMON_H
 
 #include <string>
+#include <type_traits>
 #include <vector>
 
 #include "vora/arx.h"
@@ -52,6 +53,57 @@ resbuf* listOf(int code, const Seq& values) {
   }
   return head;
 }
+
+// The group codes under which a store keeps each value type (extended data
+// and xrecords use different ones), and the typed reads of a value list.
+template <int String, int Short, int Int, int Real, int Handle, int Point>
+struct GroupCodes {
+  template <class T>
+  static constexpr int of() {
+    if constexpr (std::is_same_v<T, short>) return Short;
+    else if constexpr (std::is_same_v<T, int>) return Int;
+    else if constexpr (std::is_same_v<T, double>) return Real;
+    else if constexpr (std::is_same_v<T, AcDbHandle>) return Handle;
+    else if constexpr (std::is_same_v<T, AcGePoint3d>) return Point;
+    else {
+      static_assert(std::is_same_v<T, std::wstring> || std::is_same_v<T, const ACHAR*>);
+      return String;
+    }
+  }
+
+  // The item at position index, when it holds a T: 1 and *out set (when out
+  // is given); 0 for a position past the end or an item of another type.
+  template <class T>
+  static int readAt(const resbuf* list, T* out, int index) {
+    if (index < 0) return 0;
+    const resbuf* rb = list;
+    for (int i = 0; rb != nullptr && i < index; ++i) rb = rb->rbnext;
+    if (rb == nullptr || rb->restype != of<T>()) return 0;
+    if (out != nullptr) readItem(rb, out);
+    return 1;
+  }
+
+  // The leading run of T items, appended to out (when given); their count.
+  template <class T, class Seq>
+  static int readRun(const resbuf* list, Seq* out) {
+    int n = 0;
+    for (const resbuf* rb = list; rb != nullptr && rb->restype == of<T>(); rb = rb->rbnext, ++n) {
+      if (out != nullptr) {
+        T value{};
+        readItem(rb, &value);
+        out->push_back(value);
+      }
+    }
+    return n;
+  }
+};
+
+// Lets readRun fill an AcArray as it fills a std::vector.
+template <class T>
+struct AppendTo {
+  AcArray<T>* array;
+  void push_back(const T& v) { array->append(v); }
+};
 
 }  // namespace vora::db
 

@@ -17,14 +17,8 @@ constexpr int kRealCode = AcDb::kDxfXdReal;
 constexpr int kHandleCode = AcDb::kDxfXdHandle;
 constexpr int kPointCode = AcDb::kDxfXdXCoord;
 
-template <class T> constexpr int codeOf();
-template <> constexpr int codeOf<short>() { return kShortCode; }
-template <> constexpr int codeOf<int>() { return kIntCode; }
-template <> constexpr int codeOf<double>() { return kRealCode; }
-template <> constexpr int codeOf<std::wstring>() { return kStringCode; }
-template <> constexpr int codeOf<const ACHAR*>() { return kStringCode; }
-template <> constexpr int codeOf<AcDbHandle>() { return kHandleCode; }
-template <> constexpr int codeOf<AcGePoint3d>() { return kPointCode; }
+using Codes = vora::db::GroupCodes<kStringCode, kShortCode, kIntCode, kRealCode, kHandleCode, kPointCode>;
+using vora::db::AppendTo;
 
 // Why a key's items could not be read.
 enum class ReadFail { None, Unbound, CannotRead };
@@ -58,42 +52,6 @@ resbuf* readKey(AcDbObjectId objectId, AcDbObject* object, const ACHAR* key, Rea
   acutRelRb(head);
   return values;
 }
-
-// The item at position index of list, or null.
-const resbuf* itemAt(const resbuf* list, int index) {
-  if (index < 0) return nullptr;
-  const resbuf* rb = list;
-  for (int i = 0; rb != nullptr && i < index; ++i) rb = rb->rbnext;
-  return rb;
-}
-
-template <class T>
-int readAt(const resbuf* list, T* out, int index) {
-  const resbuf* rb = itemAt(list, index);
-  if (rb == nullptr || rb->restype != codeOf<T>()) return 0;
-  if (out != nullptr) readItem(rb, out);
-  return 1;
-}
-
-template <class T, class Seq>
-int readRun(const resbuf* list, Seq* out) {
-  int n = 0;
-  for (const resbuf* rb = list; rb != nullptr && rb->restype == codeOf<T>(); rb = rb->rbnext, ++n) {
-    if (out != nullptr) {
-      T value{};
-      readItem(rb, &value);
-      out->push_back(value);
-    }
-  }
-  return n;
-}
-
-// AcArray and std::vector take elements the same way here.
-template <class T>
-struct AppendTo {
-  AcArray<T>* array;
-  void push_back(const T& v) { array->append(v); }
-};
 
 template <class T>
 int writeOwned(VoraXdata& self, const ACHAR* key, resbuf* list) {
@@ -191,7 +149,7 @@ int appendValue(VoraXdata& self, AcDbObjectId id, AcDbObject* object, const ACHA
   if (list == nullptr) return self.SetValue(key, value);
   resbuf* last = list;
   while (last->rbnext != nullptr) last = last->rbnext;
-  last->rbnext = newItem(codeOf<T>(), value);
+  last->rbnext = newItem(Codes::of<T>(), value);
   const int result = self.SetValue(key, list);
   acutRelRb(list);
   return result;
@@ -218,7 +176,7 @@ template <class T>
 int getAt(AcDbObjectId id, AcDbObject* object, const ACHAR* key, T* out, int index) {
   ReadFail fail = ReadFail::None;
   resbuf* list = readKey(id, object, key, fail);
-  const int result = readAt(list, out, index);
+  const int result = Codes::readAt(list, out, index);
   if (list != nullptr) acutRelRb(list);
   return result;
 }
@@ -227,7 +185,7 @@ template <class T, class Seq>
 int getRun(AcDbObjectId id, AcDbObject* object, const ACHAR* key, Seq* out) {
   ReadFail fail = ReadFail::None;
   resbuf* list = readKey(id, object, key, fail);
-  const int result = readRun<T>(list, out);
+  const int result = Codes::readRun<T>(list, out);
   if (list != nullptr) acutRelRb(list);
   return result;
 }

@@ -19,14 +19,8 @@ constexpr int kRealCode = 40;
 constexpr int kHandleCode = 5;
 constexpr int kPointCode = 10;
 
-template <class T> constexpr int codeOf();
-template <> constexpr int codeOf<short>() { return kShortCode; }
-template <> constexpr int codeOf<int>() { return kIntCode; }
-template <> constexpr int codeOf<double>() { return kRealCode; }
-template <> constexpr int codeOf<std::wstring>() { return kStringCode; }
-template <> constexpr int codeOf<const ACHAR*>() { return kStringCode; }
-template <> constexpr int codeOf<AcDbHandle>() { return kHandleCode; }
-template <> constexpr int codeOf<AcGePoint3d>() { return kPointCode; }
+using Codes = vora::db::GroupCodes<kStringCode, kShortCode, kIntCode, kRealCode, kHandleCode, kPointCode>;
+using vora::db::AppendTo;
 
 // Walks path (all components but the last) from the named objects
 // dictionary, each dictionary opened in mode and its parent closed once the
@@ -122,35 +116,6 @@ int readAt(const std::vector<std::wstring>& path, resbuf** out) {
   }
   entry->close();
   return result;
-}
-
-template <class T>
-int readOne(const resbuf* list, T* out, int index) {
-  if (index < 0) return 0;
-  const resbuf* rb = list;
-  for (int i = 0; rb != nullptr && i < index; ++i) rb = rb->rbnext;
-  if (rb == nullptr || rb->restype != codeOf<T>()) return 0;
-  if (out != nullptr) readItem(rb, out);
-  return 1;
-}
-
-template <class T>
-struct AppendTo {
-  AcArray<T>* array;
-  void push_back(const T& v) { array->append(v); }
-};
-
-template <class T, class Seq>
-int readRun(const resbuf* list, Seq* out) {
-  int n = 0;
-  for (const resbuf* rb = list; rb != nullptr && rb->restype == codeOf<T>(); rb = rb->rbnext, ++n) {
-    if (out != nullptr) {
-      T value{};
-      readItem(rb, &value);
-      out->push_back(value);
-    }
-  }
-  return n;
 }
 
 }  // namespace
@@ -256,7 +221,7 @@ int VoraXrecord::addOne(const ACHAR* key, const T& value) {
   if (list == nullptr) return SetValue(key, value);
   resbuf* last = list;
   while (last->rbnext != nullptr) last = last->rbnext;
-  last->rbnext = newItem(codeOf<T>(), value);
+  last->rbnext = newItem(Codes::of<T>(), value);
   const int result = withKey(key, [&] { return SetValue(list); });
   acutRelRb(list);
   return result;
@@ -290,7 +255,7 @@ int readList(VoraXrecord& self, Read&& read) {
 #define VORA_XRECORD_GET_ONE(TYPE)                                                     \
   int VoraXrecord::GetValue(const ACHAR* key, TYPE* out, int index) {                  \
     return withKey(key, [&] {                                                           \
-      return readList(*this, [&](const resbuf* list) { return readOne(list, out, index); }); \
+      return readList(*this, [&](const resbuf* list) { return Codes::readAt(list, out, index); }); \
     });                                                                                 \
   }
 VORA_XRECORD_GET_ONE(short)
@@ -306,7 +271,7 @@ VORA_XRECORD_GET_ONE(AcGePoint3d)
     AppendTo<TYPE> sink{out};                                                          \
     return withKey(key, [&] {                                                          \
       return readList(*this, [&](const resbuf* list) {                                 \
-        return readRun<TYPE>(list, out == nullptr ? nullptr : &sink);                  \
+        return Codes::readRun<TYPE>(list, out == nullptr ? nullptr : &sink);                  \
       });                                                                              \
     });                                                                                \
   }
@@ -317,7 +282,7 @@ VORA_XRECORD_GET_RUN(AcGePoint3d)
 
 int VoraXrecord::GetValue(const ACHAR* key, std::vector<std::wstring>* out) {
   return withKey(key, [&] {
-    return readList(*this, [&](const resbuf* list) { return readRun<std::wstring>(list, out); });
+    return readList(*this, [&](const resbuf* list) { return Codes::readRun<std::wstring>(list, out); });
   });
 }
 

@@ -109,4 +109,40 @@ VORA_API int vora_featureline_set_elevpt(AcDbObjectId polylineId, const int* ind
 VORA_API int vora_featureline_set_mid_ordinate_dist(AcDbObjectId polylineId, unsigned char recalculate,
                                                     double distance);
 
+// ---------------------------------------------------------------------------
+// Diagnostics for tools and other modules
+// ---------------------------------------------------------------------------
+
+// One point of a feature line's model: its position, its station, the bulge
+// of the segment it starts (feature points only), its plan distance along the
+// enclosing arc (elevation points only) and its type (0 feature point, 1
+// elevation point).
+typedef struct vora_featureline_point_info {
+  double x, y, z, station, bulge, arcDistance;
+  int type;
+} vora_featureline_point_info;
+
+// Opens the feature line of id for read, copies its model out and closes it
+// again; nothing is printed. On 0, *points is an array of *count points for
+// vora_free (null when the model has no points) and *midOrdinateDistance the
+// line's mid ordinate distance. Otherwise the outputs are left alone, except
+// *errorName for the last three codes:
+//   1       the object carries no feature-line marker;
+//   -10     null id;
+//   -100    the model could not be built: *errorName is the feature-line
+//           error's name ("eNonCompatible3dPoly", ...);
+//   -1000   a host error: *errorName is the status's name ("eWasErased", ...);
+//   -100000 anything else: *errorName is "unknown error".
+// Error names are static text; errorName may be null. The polyline and its
+// vertices are closed again in every case.
+VORA_API int vora_featureline_get_model(AcDbObjectId id, vora_featureline_point_info** points, int* count,
+                                        double* midOrdinateDistance, const char** errorName);
+
+// Prints the model of the feature line of id on the command line: the number
+// of points and the mid ordinate distance, then one line per point with its
+// position, type, station, bulge, and the length and grade of the segment to
+// the next point. Errors are reported as by the other feature-line functions
+// (message printed, code returned); 0 on success.
+VORA_API int vora_featureline_dump(AcDbObjectId id);
+
 #endif

@@ -1,5 +1,6 @@
-// vora: the headless console of the host. Opens a drawing, lists it or saves
-// it. Messages go to standard output, errors to standard error with a
+// vora: the headless console of the host. Opens a drawing, lists it, hands
+// it to the options of the other files here (some of which load VoraCLib) and
+// saves it. Messages go to standard output, errors to standard error with a
 // non-zero exit status.
 #include <cstdio>
 #include <cstring>
@@ -7,9 +8,10 @@
 #include <string>
 #include <vector>
 
+#include "host/console/common.h"
+#include "host/console/module.h"
 #include "host/console/options.h"
 #include "host/dxf/dxfio.h"
-#include "host/dxf/encoding.h"
 #include "vora/arx.h"
 
 namespace vora_console {
@@ -30,10 +32,14 @@ const std::vector<Option>& registeredOptions() { return optionList(); }
 
 namespace {
 
+using vora_console::fail;
+using vora_console::narrow;
+using vora_console::widen;
+
 const char* kUsage =
-    "usage: vora -i IN.dxf [-o OUT.dxf] [--list]\n"
+    "usage: vora -i IN.dxf [-o OUT.dxf] [--list [--layer NAME] [--class NAME] [--app NAME]] [OPTION...]\n"
     "\n"
-    "Opens the drawing IN.dxf (ASCII DXF, R12 to R2018).\n"
+    "Opens the drawing IN.dxf (ASCII DXF, R12 to R2018). Options that need VoraCLib load it then.\n"
     "  -i, --input FILE    the drawing to open\n"
     "  -o, --output FILE   save the drawing to FILE, in its own DXF version\n"
     "  --list              print one line per model-space entity: handle, DXF type, layer\n"
@@ -41,23 +47,26 @@ const char* kUsage =
 
 void printUsage(std::FILE* to) {
   std::fputs(kUsage, to);
-  for (const auto& o : vora_console::registeredOptions())
-    std::fprintf(to, "  %s %s\n", o.name, o.help);
+  // A value option's help starts with the value's name, two spaces apart
+  // from the text.
+  for (const auto& o : vora_console::registeredOptions()) {
+    std::string left = o.name;
+    std::string text = o.help;
+    const std::size_t gap = text.find("  ");
+    if (o.takesValue && gap != std::string::npos) {
+      left += ' ';
+      left.append(text, 0, gap);
+      text = text.substr(gap + 2);
+    }
+    std::fprintf(to, "  %-18s  %s\n", left.c_str(), text.c_str());
+  }
 }
 
-std::wstring widen(const std::string& s) {
-  const vora_host::dxf::TextCodec utf8("AC1032", "");
-  return utf8.decode(s);
-}
-
-std::string narrow(const ACHAR* s) {
-  const vora_host::dxf::TextCodec utf8("AC1032", "");
-  return s ? utf8.encode(s) : std::string();
-}
-
-int fail(const std::string& message) {
-  std::fprintf(stderr, "vora: %s\n", message.c_str());
-  return 1;
+std::string listLine(AcDbEntity* e) {
+  ACHAR* layer = e->layer();
+  std::string line = vora_console::handleOf(e) + "\t" + vora_host::dxf::dxfTypeOf(e) + "\t" + narrow(layer) + "\n";
+  acutDelString(layer);
+  return line;
 }
 
 int listModelSpace(AcDbDatabase* db) {
@@ -69,11 +78,7 @@ int listModelSpace(AcDbDatabase* db) {
   for (; it && !it->done(); it->step()) {
     AcDbEntity* e = nullptr;
     if (it->getEntity(e, AcDb::kForRead) != Acad::eOk) continue;
-    ACHAR handle[AcDbHandle::kStrSiz];
-    e->handle().getIntoAsciiBuffer(handle, AcDbHandle::kStrSiz);
-    ACHAR* layer = e->layer();
-    out += narrow(handle) + "\t" + vora_host::dxf::dxfTypeOf(e) + "\t" + narrow(layer) + "\n";
-    acutDelString(layer);
+    out += listLine(e);
     e->close();
   }
   delete it;
@@ -82,9 +87,21 @@ int listModelSpace(AcDbDatabase* db) {
   return 0;
 }
 
-}  // namespace
+int listFiltered() {
+  std::vector<AcDbObjectId> ids;
+  if (const int status = vora_console::filteredEntities(ids); status != 0) return status;
+  std::string out;
+  for (const AcDbObjectId& id : ids) {
+    AcDbEntity* e = nullptr;
+    if (acdbOpenObject(e, id, AcDb::kForRead) != Acad::eOk) continue;
+    out += listLine(e);
+    e->close();
+  }
+  std::fputs(out.c_str(), stdout);
+  return 0;
+}
 
-int main(int argc, char** argv) {
+int run(int argc, char** argv) {
   std::string input, output;
   bool list = false;
   std::vector<std::pair<const vora_console::Option*, std::string>> actions;
@@ -102,7 +119,10 @@ int main(int argc, char** argv) {
         printUsage(stderr);
         return fail("option '" + a + "' needs a value");
       }
-      actions.emplace_back(extra, extra->takesValue ? argv[++i] : "");
+      const std::string value = extra->takesValue ? argv[++i] : "";
+      if (extra->parse != nullptr)
+        if (const int status = extra->parse(value); status != 0) return status;
+      if (extra->run != nullptr) actions.emplace_back(extra, value);
       continue;
     }
     if ((a == "-i" || a == "--input" || a == "-o" || a == "--output") && i + 1 < argc) {
@@ -118,17 +138,25 @@ int main(int argc, char** argv) {
     printUsage(stderr);
     return fail("no drawing given (-i IN.dxf)");
   }
+  if (!list && vora_console::listFilterGiven()) return fail("--layer, --class and --app select what --list prints");
   std::unique_ptr<AcDbDatabase> db(new AcDbDatabase(false, true));
   if (db->dxfIn(widen(input).c_str()) != Acad::eOk) return fail(vora_host::dxf::lastErrorMessage());
   acdbHostApplicationServices()->setWorkingDatabase(db.get());
   int status = 0;
-  if (list) status = listModelSpace(db.get());
+  if (list) status = vora_console::listFilterGiven() ? listFiltered() : listModelSpace(db.get());
   for (const auto& [option, value] : actions) {
     if (status != 0) break;
     status = option->run(db.get(), value);
   }
   if (status == 0 && !output.empty() && db->dxfOut(widen(output).c_str()) != Acad::eOk)
     status = fail(vora_host::dxf::lastErrorMessage());
+  // The module goes while the drawing is still open, as when the CAD program
+  // unloads an application.
+  vora_console::unloadModule();
   acdbHostApplicationServices()->setWorkingDatabase(nullptr);
   return status;
 }
+
+}  // namespace
+
+int main(int argc, char** argv) { return run(argc, argv); }

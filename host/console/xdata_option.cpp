@@ -4,15 +4,10 @@
 #include <cstdio>
 #include <string>
 
+#include "host/console/common.h"
 #include "host/console/options.h"
-#include "host/dxf/encoding.h"
 
 namespace {
-
-std::string utf8(const ACHAR* s) {
-  const vora_host::dxf::TextCodec codec("AC1032", "");
-  return s == nullptr ? std::string() : codec.encode(s);
-}
 
 std::string real(double v) {
   char buf[40];
@@ -33,15 +28,13 @@ std::string valueOf(const resbuf* rb) {
     bytes += " bytes";
     return bytes;
   }
-  return utf8(rb->resval.rstring);
+  return vora_console::narrow(rb->resval.rstring);
 }
 
 int printXdata(AcDbDatabase* db, const std::string& handleText) {
-  const AcDbHandle handle(handleText.c_str());
   AcDbObjectId id;
   AcDbObject* obj = nullptr;
-  if (handle.isNull() || db->getAcDbObjectId(id, false, handle) != Acad::eOk ||
-      acdbOpenObject(obj, id, AcDb::kForRead) != Acad::eOk) {
+  if (!vora_console::findByHandle(db, handleText, id) || acdbOpenObject(obj, id, AcDb::kForRead) != Acad::eOk) {
     std::fprintf(stderr, "vora: no object with handle '%s'\n", handleText.c_str());
     return 1;
   }
@@ -50,7 +43,7 @@ int printXdata(AcDbDatabase* db, const std::string& handleText) {
   std::string out;
   for (const resbuf* rb = all; rb != nullptr; rb = rb->rbnext) {
     if (rb->restype == AcDb::kDxfRegAppName) {
-      out += utf8(rb->resval.rstring);
+      out += vora_console::narrow(rb->resval.rstring);
     } else {
       out += "  ";
       out += std::to_string(rb->restype);
@@ -66,6 +59,6 @@ int printXdata(AcDbDatabase* db, const std::string& handleText) {
 
 const bool registered = vora_console::registerOption(
     {"--xdata", true, "HANDLE  print the extended data of an object: each application, then its items (code value)",
-     &printXdata});
+     nullptr, &printXdata});
 
 }  // namespace

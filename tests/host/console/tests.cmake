@@ -13,3 +13,15 @@ if(TARGET vora)
     set_tests_properties(console.${mode} PROPERTIES SKIP_RETURN_CODE 77 TIMEOUT 600)
   endforeach()
 endif()
+
+# The options that load the module (--list filters, --featurelines, --dump,
+# --module) on a drawing made by the module itself (make_drawing.cpp).
+if(TARGET vora)
+  add_executable(vora_console_drawing ${CMAKE_CURRENT_LIST_DIR}/make_drawing.cpp)
+  target_include_directories(vora_console_drawing PRIVATE ${PROJECT_SOURCE_DIR})
+  target_link_libraries(vora_console_drawing PRIVATE voraclib_testing vorahost vora_developer_flags)
+  add_test(NAME console.module
+    COMMAND /usr/bin/python3 ${CMAKE_CURRENT_LIST_DIR}/console_module_test.py
+      $<TARGET_FILE:vora> $<TARGET_FILE:vora_console_drawing> $<TARGET_FILE:voraclib>)
+  set_tests_properties(console.module PROPERTIES TIMEOUT 120)
+endif()

@@ -34,14 +34,18 @@ std::string& requestedPath() {
   return path;
 }
 
-// Next to the executable first (a build tree), then ../lib (an installed
-// tree). When neither exists the first is named in the error.
+// Next to the executable first (a build tree), then ../lib or the library
+// folder the build installs to (an installed tree). When none exists the
+// first is named in the error.
 std::string defaultPath() {
   std::error_code ec;
   const std::filesystem::path exe = std::filesystem::read_symlink("/proc/self/exe", ec);
   if (ec) return kModuleFile;
   const std::filesystem::path dir = exe.parent_path();
-  const std::vector<std::filesystem::path> candidates = {dir / kModuleFile, dir.parent_path() / "lib" / kModuleFile};
+  std::vector<std::filesystem::path> candidates = {dir / kModuleFile, dir.parent_path() / "lib" / kModuleFile};
+#ifdef VORA_CONSOLE_LIBDIR
+  candidates.push_back(dir.parent_path() / VORA_CONSOLE_LIBDIR / kModuleFile);
+#endif
   for (const auto& c : candidates)
     if (std::filesystem::exists(c, ec)) return c.string();
   return candidates.front().string();

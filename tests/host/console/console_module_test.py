@@ -1,11 +1,13 @@
 #!/usr/bin/env python3
 """The console's options that load VoraCLib, on a drawing made by the module.
 
-Usage: console_module_test.py VORA DRAWING_MAKER MODULE
+Usage: console_module_test.py VORA DRAWING_MAKER MODULE [CMAKE BUILD_DIR]
 
 DRAWING_MAKER (make_drawing.cpp) writes the drawing and prints the handles of
 its entities and, read back from the saved file, the exact models of its
-readable feature lines; MODULE is the built libvoraclib.so.
+readable feature lines; MODULE is the built libvoraclib.so. With CMAKE and
+BUILD_DIR, the build is also installed into a scratch prefix and the
+installed vora must find its libraries and the module by itself.
 """
 import json
 import os
@@ -16,6 +18,7 @@ import sys
 import tempfile
 
 vora, maker, module = sys.argv[1:4]
+install = sys.argv[4:6]
 failures = []
 
 
@@ -184,6 +187,13 @@ try:
     os.rename(os.path.join(tree, "lib", "libvoraclib.so"), os.path.join(tree, "renamed.so"))
     code, out, err = run("-i", drawing, "--featurelines", "--module", "renamed.so", cwd=tree)
     check(code == 0 and out == table, f"--module with a relative path: {code} {err}")
+
+    if install:
+        prefix = os.path.join(work, "prefix")
+        subprocess.run([install[0], "--install", install[1], "--prefix", prefix], capture_output=True, check=True)
+        p = subprocess.run([os.path.join(prefix, "bin", "vora"), "-i", drawing, "--featurelines"],
+                           capture_output=True, text=True)
+        check(p.returncode == 0 and p.stdout == table, f"installed vora: {p.returncode} {p.stderr}")
 finally:
     shutil.rmtree(work)
 

@@ -22,6 +22,7 @@ if(TARGET vora)
   target_link_libraries(vora_console_drawing PRIVATE voraclib_testing vorahost vora_developer_flags)
   add_test(NAME console.module
     COMMAND /usr/bin/python3 ${CMAKE_CURRENT_LIST_DIR}/console_module_test.py
-      $<TARGET_FILE:vora> $<TARGET_FILE:vora_console_drawing> $<TARGET_FILE:voraclib>)
+      $<TARGET_FILE:vora> $<TARGET_FILE:vora_console_drawing> $<TARGET_FILE:voraclib>
+      ${CMAKE_COMMAND} ${PROJECT_BINARY_DIR})
   set_tests_properties(console.module PROPERTIES TIMEOUT 120)
 endif()

@@ -1,11 +1,12 @@
 #!/usr/bin/env python3
 """The console's options that load VoraCLib, on a drawing made by the module.
 
-Usage: console_module_test.py VORA DRAWING_MAKER MODULE [CMAKE BUILD_DIR]
+Usage: console_module_test.py VORA DRAWING_MAKER MODULE PROBE [CMAKE BUILD_DIR]
 
 DRAWING_MAKER (make_drawing.cpp) writes the drawing and prints the handles of
 its entities and, read back from the saved file, the exact models of its
-readable feature lines; MODULE is the built libvoraclib.so. With CMAKE and
+readable feature lines; MODULE is the built libvoraclib.so; PROBE a plug-in
+with only the entry point, which prints the messages it gets. With CMAKE and
 BUILD_DIR, the build is also installed into a scratch prefix and the
 installed vora must find its libraries and the module by itself.
 """
@@ -17,8 +18,8 @@ import subprocess
 import sys
 import tempfile
 
-vora, maker, module = sys.argv[1:4]
-install = sys.argv[4:6]
+vora, maker, module, probe = sys.argv[1:5]
+install = sys.argv[5:7]
 failures = []
 
 
@@ -28,8 +29,8 @@ def check(ok, what):
         print("FAIL:", what)
 
 
-def run(*args, cwd=None):
-    p = subprocess.run([vora, *args], capture_output=True, text=True, cwd=cwd)
+def run(*args, cwd=None, env=None):
+    p = subprocess.run([vora, *args], capture_output=True, text=True, cwd=cwd, env=env)
     return p.returncode, p.stdout, p.stderr
 
 
@@ -187,6 +188,19 @@ try:
     os.rename(os.path.join(tree, "lib", "libvoraclib.so"), os.path.join(tree, "renamed.so"))
     code, out, err = run("-i", drawing, "--featurelines", "--module", "renamed.so", cwd=tree)
     check(code == 0 and out == table, f"--module with a relative path: {code} {err}")
+
+    # A plug-in's entry point gets the initialisation message when it loads
+    # and the unload message when the console ends; a refusal stops loading.
+    code, out, err = run("-i", drawing, "--featurelines", "--module", probe)
+    check(code == 1 and out == "acrxEntryPoint 1 with id\nacrxEntryPoint 2 with id\n"
+          and err == f"vora: the module {probe} has no function vora_featureline_get_model\n",
+          f"probe module: {code} {out!r} {err!r}")
+    code, out, err = run("-i", drawing, "--list", "--class", "LINE", "--module", probe,
+                         env=dict(os.environ, VORA_PROBE_REFUSE="1"))
+    check(code == 1 and out == "acrxEntryPoint 1 with id\n"
+          and err == f"vora: the module {probe} refused to initialise\n", f"refusing probe: {code} {out!r} {err!r}")
+    code, out, err = run("-i", drawing, "--list", "--module", probe)
+    check(code == 0 and out == listing(order), f"a module no option needs is not loaded: {out!r}")
 
     if install:
         prefix = os.path.join(work, "prefix")

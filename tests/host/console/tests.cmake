@@ -20,9 +20,12 @@ if(TARGET vora)
   add_executable(vora_console_drawing ${CMAKE_CURRENT_LIST_DIR}/make_drawing.cpp)
   target_include_directories(vora_console_drawing PRIVATE ${PROJECT_SOURCE_DIR})
   target_link_libraries(vora_console_drawing PRIVATE voraclib_testing vorahost vora_developer_flags)
+  add_library(vora_console_probe MODULE ${CMAKE_CURRENT_LIST_DIR}/probe_module.cpp)
+  target_include_directories(vora_console_probe PRIVATE ${PROJECT_SOURCE_DIR}/include)
+  target_link_libraries(vora_console_probe PRIVATE vora_developer_flags)
   add_test(NAME console.module
     COMMAND /usr/bin/python3 ${CMAKE_CURRENT_LIST_DIR}/console_module_test.py
       $<TARGET_FILE:vora> $<TARGET_FILE:vora_console_drawing> $<TARGET_FILE:voraclib>
-      ${CMAKE_COMMAND} ${PROJECT_BINARY_DIR})
+      $<TARGET_FILE:vora_console_probe> ${CMAKE_COMMAND} ${PROJECT_BINARY_DIR})
   set_tests_properties(console.module PROPERTIES TIMEOUT 120)
 endif()

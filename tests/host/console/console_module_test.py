@@ -59,6 +59,12 @@ try:
     def listing(names):
         return "".join(f"{handle[n]}\t{types.get(n, 'POLYLINE')}\t{layers[n]}\n" for n in names)
 
+    code, out, err = run("--help")
+    documented = re.findall(r"^  (--[a-z]+|-i, --input|-o, --output|-h, --help)\b", out, re.M)
+    check(code == 0 and sorted(documented) == sorted(
+        ["-i, --input", "-o, --output", "--list", "-h, --help", "--layer", "--class", "--app", "--module",
+         "--featurelines", "--json", "--dump", "--xdata"]), f"--help documents: {documented}")
+
     # --list: unfiltered it needs no module; each filter goes through the
     # module's query, names without case, values of one option as "any".
     code, out, err = run("-i", drawing, "--list", "--module", "/nonexistent")

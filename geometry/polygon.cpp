@@ -209,6 +209,9 @@ VORA_API void vora_reversepolygon(AcGePoint3dArray* pts, AcGeDoubleArray* bulges
   if (n < 2 || bulges->length() != n) return;
   AcGePoint3d* p = pts->asArrayPtr();
   double* b = bulges->asArrayPtr();
+  // Two vertices: exchanged, and both bulges change sign once. The closing
+  // bulge's negation at the end belongs to the general pass; applying it here
+  // as well would undo the sign change of bulge 1.
   if (n == 2) {
     std::swap(p[0], p[1]);
     b[0] = -b[0];
@@ -272,7 +275,8 @@ VORA_API bool vora_ispointinpolygonB(const AcGePoint3dArray* pts, const AcGeDoub
     } else if (arc.start > arc.end) {
       // For an arc through angle 0 the span test compares alpha with the start
       // from both sides, so every direction passes; the side test below then
-      // decides alone. Kept as it always behaved.
+      // decides alone. Kept as it always behaved. A point on the centre has
+      // no direction (NaN) and so lies in no span.
       inSpan = arc.start <= alpha || alpha <= arc.start;
     }
     if (!inSpan) continue;

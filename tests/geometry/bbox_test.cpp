@@ -2,7 +2,6 @@
 
 #include <cmath>
 #include <cstdint>
-#include <random>
 
 #include "geometry/tolerance.h"
 #include "vora/vora.h"
@@ -123,50 +122,6 @@ TEST(BoundingBox, PolylineWithBulgesAcceptsOneBulgePerVertexOrOneFewer) {
   vora_getBoundingBoxAB(&single, &one, wmn, wmx);
   expectPoint(wmn, 3, 4, 5);
   expectPoint(wmx, 3, 4, 5);
-}
-
-// Every vertex and every point of every arc lies in the box.
-TEST(BoundingBox, ContainsEveryVertexAndArcPoint) {
-  std::mt19937_64 rng(4242);
-  std::uniform_real_distribution<double> coord(-100.0, 100.0), height(1.0, 50.0), bulge(-3.0, 3.0);
-  for (int k = 0; k < 200; ++k) {
-    AcGePoint3dArray pts;
-    AcGeDoubleArray b;
-    const int n = 2 + k % 9;
-    for (int i = 0; i < n; ++i) {
-      pts.append(AcGePoint3d(coord(rng), coord(rng), height(rng)));
-      b.append(i % 3 == 2 ? 0.0 : bulge(rng));
-    }
-    double mn[3], mx[3];
-    vora_getBoundingBoxAB(&pts, &b, mn, mx);
-    bool anyArc = false;
-    for (int i = 0; i + 1 < n; ++i) {
-      AcGePoint3dArray arc;
-      vora_arc2pts(&pts[i].x, &pts[i + 1].x, b[i], 0.0, 0.0, kPi / 90, 0, &arc, nullptr);
-      anyArc = anyArc || std::fabs(b[i]) >= 1e-7;
-      for (const AcGePoint3d& p : arc) {
-        EXPECT_GE(p.x, mn[0] - 1e-9);
-        EXPECT_LE(p.x, mx[0] + 1e-9);
-        EXPECT_GE(p.y, mn[1] - 1e-9);
-        EXPECT_LE(p.y, mx[1] + 1e-9);
-      }
-    }
-    for (const AcGePoint3d& p : pts)
-      for (int c = 0; c < 3; ++c) {
-        EXPECT_LE(mn[c], (&p.x)[c]);
-        EXPECT_GE(mx[c], (&p.x)[c]);
-      }
-    // Heights are all positive: only an arc reaching a quadrant point can
-    // bring the bottom to 0, and an arc over a quarter turn always does.
-    bool bigArc = false;
-    for (int i = 0; i + 1 < n; ++i) bigArc = bigArc || std::fabs(b[i]) > std::tan(kPi / 8) + 1e-9;
-    if (bigArc) {
-      EXPECT_EQ(mn[2], 0.0);
-    }
-    if (!anyArc) {
-      EXPECT_GT(mn[2], 0.0);
-    }
-  }
 }
 
 }  // namespace

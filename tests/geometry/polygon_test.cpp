@@ -173,29 +173,6 @@ TEST(PolygonReverse, BulgesFollowTheKeptExchangeRule) {
   }
 }
 
-TEST(PolygonReverse, TwiceIsTheIdentityAndTheAreaChangesSign) {
-  std::mt19937_64 rng(7331);
-  std::uniform_real_distribution<double> bulge(-2.0, 2.0);
-  for (int n = 4; n < 40; ++n) {
-    const AcGePoint3dArray ring = randomRing(rng, n - 1);
-    AcGeDoubleArray b;
-    for (int i = 0; i < n; ++i) b.append(bulge(rng));
-    AcGePoint3dArray p = ring;
-    AcGeDoubleArray q = b;
-    vora_reversepolygon(&p, &q);
-    const double a = vora_polygonarea(&ring);
-    EXPECT_GT(a, 0.0);
-    EXPECT_NEAR(vora_polygonarea(&p), -a, 1e-12 * a) << n;
-    EXPECT_EQ(vora_ispolygonccw(&ring), !vora_ispolygonccw(&p)) << n;
-    AcGePoint3dArray backwards = ring;
-    backwards.reverse();
-    EXPECT_TRUE(sameBits(p, backwards)) << n;
-    vora_reversepolygon(&p, &q);
-    EXPECT_TRUE(sameBits(p, ring)) << n;
-    EXPECT_EQ(q, b) << n;
-  }
-}
-
 TEST(PointInPolygon, BoundaryRayThroughVerticesAndDegenerateInput) {
   const double tol = 1e-7;
   const AcGePoint3dArray square = pts({{0, 0, 0}, {1, 0, 0}, {1, 1, 0}, {0, 1, 0}, {0, 0, 0}});

@@ -1,7 +1,6 @@
 #include <gtest/gtest.h>
 
 #include <cmath>
-#include <random>
 
 #include "geometry/tolerance.h"
 #include "vora/vora.h"
@@ -151,43 +150,6 @@ TEST(SimplifyPoly2D, BadInputChangesNothing) {
   EXPECT_EQ(vora_simplifyPoly2D(&empty, nullptr), 0);
   AcGePoint3dArray one = pts({{1, 1, 1}});
   EXPECT_EQ(vora_simplifyPoly2D(&one, nullptr), 0);
-}
-
-// Removing vertices on straight edges never changes the area of a ring, and
-// the bulge list keeps one entry per vertex.
-TEST(SimplifyPoly2D, KeepsTheAreaOfRingsWithCollinearVertices) {
-  std::mt19937_64 rng(1729);
-  std::uniform_real_distribution<double> radius(1.0, 10.0);
-  std::uniform_int_distribution<int> extra(0, 3);
-  for (int k = 0; k < 100; ++k) {
-    const int n = 3 + k % 7;
-    AcGePoint3dArray corners;
-    for (int i = 0; i < n; ++i) {
-      const double t = 2.0 * kPi * i / n, r = radius(rng);
-      corners.append(AcGePoint3d(std::round(r * std::cos(t) * 8) / 8, std::round(r * std::sin(t) * 8) / 8, 0));
-    }
-    AcGePoint3dArray ring;
-    for (int i = 0; i < n; ++i) {
-      const AcGePoint3d& a = corners[i];
-      const AcGePoint3d& b = corners[(i + 1) % n];
-      ring.append(a);
-      const int m = extra(rng);
-      for (int j = 1; j <= m; ++j) {
-        const double t = static_cast<double>(j) / (m + 1);
-        ring.append(AcGePoint3d(a.x + (b.x - a.x) * t, a.y + (b.y - a.y) * t, 0));
-      }
-    }
-    ring.append(ring.first());
-    AcGeDoubleArray b;
-    b.setLogicalLength(ring.length(), 0.0);
-    const double before = vora_polygonarea(&ring);
-    const int added = ring.length() - n - 1;
-    const int removed = vora_simplifyPoly2D(&ring, &b);
-    EXPECT_EQ(removed, added) << k;
-    EXPECT_EQ(ring.length(), b.length());
-    EXPECT_NEAR(vora_polygonarea(&ring), before, 1e-9 * std::fabs(before));
-    EXPECT_EQ(ring.first(), ring.last());
-  }
 }
 
 }  // namespace

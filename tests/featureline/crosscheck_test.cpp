@@ -122,6 +122,10 @@ class FeaturelineCrosscheck : public DrawingFixture {
 protected:
   // The module's model of id against the reference loaded from line.
   void compareLoad(AcDbObjectId id, const Line& line, double def, const std::string& what) {
+    compareLoad([id] { return std::make_unique<Featureline>(id, AcDb::kForRead); }, line, def, what);
+  }
+  template <class Open>
+  void compareLoad(Open&& open, const Line& line, double def, const std::string& what) {
     Model ref;
     std::string refOut;
     bool refFailed = false;
@@ -133,7 +137,8 @@ protected:
       refError = e.value;
     }
     try {
-      Featureline fl(id, AcDb::kForRead);
+      const std::unique_ptr<Featureline> opened = open();
+      Featureline& fl = *opened;
       ASSERT_FALSE(refFailed) << what << ": the reference failed with " << refError;
       EXPECT_TRUE(same(fl.tolerance().equalPoint(), ref.tol.equalPoint())) << what;
       EXPECT_TRUE(same(fl.midOrdinateDistance(), ref.mod)) << what;
@@ -194,6 +199,17 @@ TEST_F(FeaturelineCrosscheck, GeneratedAlignmentsLoadAndEditAlike) {
     const AcDbObjectId id = line.marked ? addFeatureline(line.vertices, line.stored) : addPolyline(line.vertices);
     compareLoad(id, line, def, tag);
     if (HasFatalFailure()) return;
+    {
+      // The same vertices in a polyline outside the drawing: no vertex has an id.
+      AcGePoint3dArray pts;
+      for (const auto& p : line.vertices) pts.append(p);
+      std::unique_ptr<AcDb3dPolyline> loose(new AcDb3dPolyline(AcDb::k3dSimplePoly, pts));
+      Line unmarked = line;
+      unmarked.marked = false;
+      compareLoad([&] { return std::make_unique<Featureline>(loose.get(), AcDb::kForRead); }, unmarked, def,
+                  tag + " outside the drawing");
+      if (HasFatalFailure()) return;
+    }
 
     for (int step = 0; step < 8; ++step) {
       Model now;

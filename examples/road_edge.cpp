@@ -59,6 +59,9 @@ int main(int argc, char** argv) {
   // the feature-line functions work there.
   AcDbDatabase drawing(true, false);
   acdbHostApplicationServices()->setWorkingDatabase(&drawing);
+  // The feature-line marker is extended data of this application; a drawing
+  // keeps extended data only of applications registered in it.
+  acdbRegApp(L"VORA_XPLINE_APPN");
 
   // Plan: start point and bearing, then straight - left curve - straight -
   // right curve - straight.

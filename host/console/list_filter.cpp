@@ -1,10 +1,12 @@
 // --layer, --class and --app: which entities --list prints. The module's
 // entity query decides, so the console lists what a caller of
 // vora_getEntities gets: names compared without case, classes by DXF name
-// (LINE, not AcDbLine), and an entity without any extended data passing the
+// (AcDbLine is given as LINE), and an entity without any extended data passing the
 // application filter. Several values of one option mean any of them; the
 // query itself wants every listed application, so several --app are asked
 // one at a time and the answers joined.
+#include <cwchar>
+#include <memory>
 #include <set>
 #include <string>
 #include <vector>
@@ -30,8 +32,20 @@ int addLayer(const std::string& value) {
   return 0;
 }
 
+// A run-time class name (AcDbLine, case ignored like every name here) stands
+// for its DXF name (LINE), which is what the query compares; any other text
+// is taken as a DXF name.
 int addClass(const std::string& value) {
-  filter().classes.push_back(widen(value));
+  std::wstring name = widen(value);
+  std::unique_ptr<AcRxDictionaryIterator> it(acrxClassDictionary()->newIterator());
+  for (; !it->done(); it->next()) {
+    const auto* cls = AcRxClass::cast(it->object());
+    if (cls != nullptr && cls->dxfName() != nullptr && *cls->dxfName() != 0 && wcscasecmp(it->key(), name.c_str()) == 0) {
+      name = cls->dxfName();
+      break;
+    }
+  }
+  filter().classes.push_back(name);
   return 0;
 }
 
@@ -47,7 +61,7 @@ const bool registered =
     registerOption({"--layer", true, "NAME  with --list: only entities on layer NAME (repeatable: any of them)",
                     &addLayer, nullptr}) &&
     registerOption({"--class", true,
-                    "NAME  with --list: only entities of DXF class NAME, e.g. LINE (repeatable: any of them)",
+                    "NAME  with --list: only entities of class NAME, e.g. LINE or AcDbLine (repeatable: any of them)",
                     &addClass, nullptr}) &&
     registerOption({"--app", true,
                     "NAME  with --list: only entities with extended data of application NAME, and those without "

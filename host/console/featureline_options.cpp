@@ -181,8 +181,8 @@ int parseJson(const std::string&) {
   return 0;
 }
 
-int checkJson(AcDbDatabase*, const std::string&) {
-  if (!featurelinesWanted()) return fail("--json is a form of --featurelines");
+int checkJson() {
+  if (jsonWanted() && !featurelinesWanted()) return fail("--json is a form of --featurelines");
   return 0;
 }
 
@@ -239,7 +239,8 @@ const bool registered =
                     &parseFeaturelines, &printFeaturelines}) &&
     registerOption({"--json", false,
                     "with --featurelines: one JSON document with every point of each model",
-                    &parseJson, &checkJson}) &&
+                    &parseJson, nullptr}) &&
+    registerCheck(&checkJson) &&
     registerOption({"--dump", true, "HANDLE  print the feature-line model of the 3D polyline HANDLE, point by point",
                     nullptr, &dumpFeatureline});
 

@@ -28,6 +28,18 @@ bool registerOption(const Option& option) {
 
 const std::vector<Option>& registeredOptions() { return optionList(); }
 
+std::vector<int (*)()>& checkList() {
+  static std::vector<int (*)()> checks;
+  return checks;
+}
+
+bool registerCheck(int (*check)()) {
+  checkList().push_back(check);
+  return true;
+}
+
+const std::vector<int (*)()>& registeredChecks() { return checkList(); }
+
 }  // namespace vora_console
 
 namespace {
@@ -139,6 +151,8 @@ int run(int argc, char** argv) {
     return fail("no drawing given (-i IN.dxf)");
   }
   if (!list && vora_console::listFilterGiven()) return fail("--layer, --class and --app select what --list prints");
+  for (const auto check : vora_console::registeredChecks())
+    if (const int status = check(); status != 0) return status;
   std::unique_ptr<AcDbDatabase> db(new AcDbDatabase(false, true));
   if (db->dxfIn(widen(input).c_str()) != Acad::eOk) return fail(vora_host::dxf::lastErrorMessage());
   acdbHostApplicationServices()->setWorkingDatabase(db.get());

@@ -29,6 +29,12 @@ struct Option {
 bool registerOption(const Option& option);
 const std::vector<Option>& registeredOptions();
 
+// A check of the whole command line, run once every option is parsed and
+// before the drawing is opened (e.g. --json without --featurelines). Returns
+// the exit status, as the option parts do.
+bool registerCheck(int (*check)());
+const std::vector<int (*)()>& registeredChecks();
+
 // The filter of --list (--layer, --class, --app; list_filter.cpp).
 bool listFilterGiven();
 // The entities of model space that pass the filter, in drawing order, found

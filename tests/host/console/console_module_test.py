@@ -167,6 +167,7 @@ try:
         (["--featurelines", "--module", "/nonexistent"], None),
         (["--featurelines", "--module", drawing], None),
         (["--json"], "vora: --json is a form of --featurelines\n"),
+        (["--list", "--json"], "vora: --json is a form of --featurelines\n"),
         (["--layer", "ROAD"], "vora: --layer, --class and --app select what --list prints\n"),
         (["--list", "--class"], None),
         (["--dump"], None),

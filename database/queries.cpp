@@ -340,8 +340,10 @@ VORA_API int vora_ent2ptsp(const AcDbEntity* entity, AcGePoint3dArray* points, A
     faceOutline(static_cast<const AcDbFace*>(entity), out);
   }
 
+  // What was read is always handed back, even nothing: the result's meaning
+  // is not something callers test, so an entity without an outline must not
+  // leave them looking at the points of an earlier call.
   const int n = out.points.length();
-  if (n == 0) return 0;
   if (n >= 2 && samePointWithin(out.points[n - 1], out.points[0], vora::tolPoint())) {
     out.points.setLogicalLength(n - 1);
     out.bulges.setLogicalLength(n - 1);

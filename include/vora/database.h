@@ -126,9 +126,10 @@ VORA_API AcDbObjectId vora_redraw3DPolyline(const AcGePoint3dArray* points, AcDb
 // - any other entity gives nothing.
 // When the last of at least two points equals the first within tolPoint in
 // every coordinate, that last point and its bulge are dropped and the outline
-// is closed. Returns the number of vertices read; then points and bulges
-// (when not null) are replaced by the outline and *closed (when not null) is
-// set. With 0 (null entity or nothing to read) the outputs are untouched.
+// is closed. Returns the number of vertices read. Points and bulges (when not
+// null) are replaced by the outline and *closed (when not null) is set, also
+// when nothing could be read (empty arrays, open); only a null entity leaves
+// the outputs untouched.
 VORA_API int vora_ent2ptsp(const AcDbEntity* entity, AcGePoint3dArray* points, AcGeDoubleArray* bulges,
                            bool* closed);
 

@@ -282,14 +282,24 @@ TEST(Outlines, PolylinesFacesAndEntitiesWithoutOutline) {
   EXPECT_EQ(vora_ent2pts(quad, &pts, &bulges, &closed), 4);
   EXPECT_EQ(vora_ent2pts(tri, &pts, &bulges, &closed), 3);
 
-  // Nothing to read: 0 and the outputs untouched.
-  closed = false;
+  // An entity without an outline still hands back what it read, nothing:
+  // arrays left over from an earlier call are emptied and the outline is
+  // open. Only when there is no entity at all are the outputs untouched.
+  ASSERT_EQ(pts.length(), 3);
+  ASSERT_TRUE(closed);
   EXPECT_EQ(vora_ent2pts(fitted2d, &pts, &bulges, &closed), 0);
-  EXPECT_EQ(vora_ent2pts(spline3d, &pts, &bulges, &closed), 0);
-  EXPECT_EQ(pts.length(), 3);
+  EXPECT_EQ(pts.length(), 0);
+  EXPECT_EQ(bulges.length(), 0);
   EXPECT_FALSE(closed);
+  ASSERT_EQ(vora_ent2pts(tri, &pts, &bulges, &closed), 3);
+  EXPECT_EQ(vora_ent2pts(spline3d, &pts, &bulges, &closed), 0);
+  EXPECT_EQ(pts.length(), 0);
+  EXPECT_FALSE(closed);
+  ASSERT_EQ(vora_ent2pts(tri, &pts, &bulges, &closed), 3);
   EXPECT_EQ(vora_ent2pts(AcDbObjectId::kNull, &pts, &bulges, &closed), 0);
   EXPECT_EQ(vora_ent2ptsp(nullptr, &pts, &bulges, &closed), 0);
+  EXPECT_EQ(pts.length(), 3);
+  EXPECT_TRUE(closed);
   // A one-point polyline is read as is: nothing to close.
   AcGePoint3dArray single = pointsOf({{1, 1, 1}});
   EXPECT_EQ(vora_ent2pts(vora_create3DPolyline(&single, L"0", 256, false), &pts, nullptr, &closed), 1);

@@ -161,6 +161,20 @@ struct PendingEntity {
   AcDbObjectId block;
 };
 
+// Lineweights are a closed set of hundredths of a millimetre plus ByLayer,
+// ByBlock and the default. A file may hold any number in their place; only a
+// member of the set is taken (the enumeration cannot hold anything else).
+bool lineWeightOf(std::int64_t value, AcDb::LineWeight& out) {
+  static constexpr int kValid[] = {0,  5,  9,  13, 15, 18,  20,  25,  30,  35,  40,  50,  53, 60,
+                                   70, 80, 90, 100, 106, 120, 140, 158, 200, 211, -1, -2, -3};
+  for (const int v : kValid)
+    if (v == value) {
+      out = static_cast<AcDb::LineWeight>(v);
+      return true;
+    }
+  return false;
+}
+
 struct Loader {
   Loader(AcDbDatabase* db, DrawingExtra& d) : db_(db), d_(d) {}
   void run();
@@ -376,7 +390,7 @@ void Loader::entityFields(AcDbEntity* e, const FieldReader& f) {
     if (!lt.isNull()) e->setLinetype(lt, false);
   }
   if (f.has(kEnt, 62)) e->setColorIndex(static_cast<Adesk::UInt16>(f.integer(kEnt, 62, 256)), false);
-  if (f.has(kEnt, 370)) e->setLineWeight(static_cast<AcDb::LineWeight>(f.integer(kEnt, 370, -1)), false);
+  if (AcDb::LineWeight w; f.has(kEnt, 370) && lineWeightOf(f.integer(kEnt, 370, -1), w)) e->setLineWeight(w, false);
   if (f.has(kEnt, 48)) e->setLinetypeScale(f.real(kEnt, 48, 1.0), false);
   if (f.has(kEnt, 60)) e->setVisibility(f.integer(kEnt, 60) ? AcDb::kInvisible : AcDb::kVisible, false);
   if (f.has(kEnt, 347)) {
@@ -728,7 +742,7 @@ AcDbObject* Loader::makeTableRecord(const RecordCursor& c, const Record& r, AcDb
       l->setIsOff(color < 0);
       if (f.has(1, 6)) l->setLinetypeObjectId(linetypeNamed(f.str(1, 6)));
       if (f.has(1, 290)) l->setIsPlottable(f.integer(1, 290, 1) != 0);
-      if (f.has(1, 370)) l->setLineWeight(static_cast<AcDb::LineWeight>(f.integer(1, 370, -3)));
+      if (AcDb::LineWeight w; f.has(1, 370) && lineWeightOf(f.integer(1, 370, -3), w)) l->setLineWeight(w);
       if (f.has(1, 347)) l->setMaterialId(idOf(f.handle(1, 347)));
     } else if (auto* lt = AcDbLinetypeTableRecord::cast(rec)) {
       lt->setComments(f.text(1, 3).c_str());
@@ -1110,7 +1124,7 @@ void Loader::applyCurrentSettings() {
   }
   if (AcDbMaterial::cast(peek(material))) db_->setCmaterial(material);
   if (cecolor_ && *cecolor_ >= 0 && *cecolor_ <= 257) db_->setCecolorIndex(static_cast<Adesk::UInt16>(*cecolor_));
-  if (celweight_ && *celweight_ >= -3 && *celweight_ <= 211) db_->setCelweight(static_cast<AcDb::LineWeight>(*celweight_));
+  if (AcDb::LineWeight w; celweight_ && lineWeightOf(*celweight_, w)) db_->setCelweight(w);
   if (celtscale_) db_->setCeltscale(*celtscale_);  // refuses a scale that is not positive
 }
 

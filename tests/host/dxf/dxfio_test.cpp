@@ -147,6 +147,33 @@ TEST(DxfIo, FailedSaveLeavesTheOldFile) {
   EXPECT_NE(dxf::readFileBytes(out), "old");
 }
 
+TEST(DxfIo, LineweightsOutsideTheirSetAreNotTaken) {
+  const auto line = [](const char* handle, const char* weight) {
+    return std::string("0\nLINE\n5\n") + handle + "\n100\nAcDbEntity\n8\n0\n370\n" + weight +
+           "\n100\nAcDbLine\n10\n0\n20\n0\n30\n0\n11\n1\n21\n1\n31\n0\n";
+  };
+  const std::string text = "0\nSECTION\n2\nHEADER\n9\n$ACADVER\n1\nAC1015\n9\n$CELWEIGHT\n370\n77\n0\nENDSEC\n"
+                           "0\nSECTION\n2\nENTITIES\n" +
+                           line("A0", "710") + line("A1", "50") + line("A2", "-2") + "0\nENDSEC\n0\nEOF\n";
+  AcDbDatabase db(false, true);
+  ASSERT_EQ(dxf::loadDxf(&db, text, "weights"), Acad::eOk) << dxf::lastErrorMessage();
+  const auto weightOf = [&](Adesk::UInt64 handle) {
+    AcDbObjectId id;
+    AcDbEntity* e = nullptr;
+    EXPECT_EQ(db.getAcDbObjectId(id, false, AcDbHandle(handle)), Acad::eOk);
+    EXPECT_EQ(acdbOpenObject(e, id, AcDb::kForRead), Acad::eOk);
+    const AcDb::LineWeight w = e->lineWeight();
+    e->close();
+    return w;
+  };
+  EXPECT_EQ(weightOf(0xA0), AcDb::kLnWtByLayer);
+  EXPECT_EQ(weightOf(0xA1), AcDb::kLnWt050);
+  EXPECT_EQ(weightOf(0xA2), AcDb::kLnWtByBlock);
+  EXPECT_EQ(db.celweight(), AcDb::kLnWtByLayer);
+  // The number the file holds is still what a save writes.
+  EXPECT_NE(dxf::saveDxfToString(&db).find("370\n710\n"), std::string::npos);
+}
+
 TEST(DxfIo, CurrentSettingsComeFromTheHeader) {
   const auto nameOf = [](AcDbObjectId id) {
     AcDbSymbolTableRecord* rec = nullptr;

@@ -10,6 +10,9 @@ constexpr int kByLayerColour = 256;
 // foreground colour.
 constexpr Adesk::UInt16 kNewLayerDefaultColour = 7;
 
+// A negative index names no colour of the host; it is taken like 256 and
+// above (left by layer on an entity, white on a new layer) rather than
+// wrapped round into an unsigned index the host would refuse.
 bool isEntityColour(int colour) { return colour >= 0 && colour < kByLayerColour; }
 
 // Puts a new entity into model space on layer with colour (when given).

@@ -49,10 +49,10 @@ VORA_API AcDbObjectId vora_createLine(const AcGePoint3d* start, const AcGePoint3
 // caller, who deletes it.
 VORA_API AcDbObjectId vora_createEntity(AcDbEntity* entity, const ACHAR* layer);
 
-// Makes the layer name, thawed, on, unlocked, with colour (256 or more: 7) and
-// linetype "CONTINUOUS" when the drawing has it. Returns the new layer's id;
-// null when a layer of that name exists already (it is left unchanged) or on
-// any failure.
+// Makes the layer name, thawed, on, unlocked, with colour (256 or more, or
+// negative: 7) and linetype "CONTINUOUS" when the drawing has it. Returns the
+// new layer's id; null when a layer of that name exists already (it is left
+// unchanged) or on any failure.
 VORA_API AcDbObjectId vora_createLayer(const ACHAR* name, int colour);
 
 // ---------------------------------------------------------------------------

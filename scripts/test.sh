@@ -23,7 +23,10 @@ ctest --preset sanitize -j "$jobs"
 echo "== DXF reader fuzzing (bounded, clang + libFuzzer)"
 cmake --preset fuzz >/dev/null
 cmake --build --preset fuzz -j "$jobs" --target dxf_reader_fuzz
+# A fixed seed makes a failure reproducible; an input that fails is kept in
+# build/fuzz/ (crash-*, leak-*, timeout-*) to replay with
+# ./build/fuzz/fuzz/dxf_reader_fuzz FILE.
 fuzz_work=$(mktemp -d)
-./build/fuzz/fuzz/dxf_reader_fuzz -max_total_time=60 -max_len=65536 -rss_limit_mb=2048 \
-  -print_final_stats=1 "$fuzz_work" tests/data/corpus
+./build/fuzz/fuzz/dxf_reader_fuzz -seed=20261123 -max_total_time=60 -max_len=65536 -rss_limit_mb=2048 \
+  -artifact_prefix=build/fuzz/ -print_final_stats=1 "$fuzz_work" tests/data/corpus
 rm -rf "$fuzz_work"

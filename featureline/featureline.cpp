@@ -94,13 +94,7 @@ Featureline::Featureline(AcDbObjectId polylineId, AcDb::OpenMode openMode)
     mPolyline = nullptr;
     throw FeaturelineError::eDataError;
   }
-  try {
-    readFeaturelineXdata(mPolyline, &mMidOrdinateDistance);
-    loadVertices(openMode);
-  } catch (...) {
-    closeAll(false);
-    throw;
-  }
+  load(openMode);
 }
 
 Featureline::Featureline(AcDb3dPolyline* polyline, AcDb::OpenMode openMode)
@@ -108,6 +102,12 @@ Featureline::Featureline(AcDb3dPolyline* polyline, AcDb::OpenMode openMode)
   if (polyline == nullptr) throw FeaturelineError::eDataError;
   if (polyline->polyType() != AcDb::k3dSimplePoly) throw FeaturelineError::eNonCompatible3dPoly;
   mPolyline = polyline;
+  load(openMode);
+}
+
+// The stored distance and the model; what was opened is closed again when
+// either fails, since no destructor runs for a constructor that throws.
+void Featureline::load(AcDb::OpenMode openMode) {
   try {
     readFeaturelineXdata(mPolyline, &mMidOrdinateDistance);
     loadVertices(openMode);

@@ -83,6 +83,7 @@ public:
   bool interpolate(std::vector<int>& indices, double z0, double z1);
 
 private:
+  void load(AcDb::OpenMode openMode);
   void loadVertices(AcDb::OpenMode openMode);
   void rebuild();
   bool commit();

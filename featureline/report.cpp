@@ -12,33 +12,16 @@
 
 namespace {
 
-void appendUtf8(std::string& out, unsigned long c) {
-  if (c < 0x80) {
-    out += static_cast<char>(c);
-  } else if (c < 0x800) {
-    out += static_cast<char>(0xC0 | (c >> 6));
-    out += static_cast<char>(0x80 | (c & 0x3F));
-  } else if (c < 0x10000) {
-    out += static_cast<char>(0xE0 | (c >> 12));
-    out += static_cast<char>(0x80 | ((c >> 6) & 0x3F));
-    out += static_cast<char>(0x80 | (c & 0x3F));
-  } else {
-    out += static_cast<char>(0xF0 | (c >> 18));
-    out += static_cast<char>(0x80 | ((c >> 12) & 0x3F));
-    out += static_cast<char>(0x80 | ((c >> 6) & 0x3F));
-    out += static_cast<char>(0x80 | (c & 0x3F));
-  }
-}
-
-// The status's name as UTF-8. Each text is kept for the life of the process,
-// so a pointer handed out stays valid whatever is asked later.
+// The status's name as a narrow string (the names are ASCII identifiers).
+// Each text is kept for the life of the process, so a pointer handed out
+// stays valid whatever is asked later.
 const char* statusName(Acad::ErrorStatus status) {
   static std::map<int, std::string> names;
   const auto found = names.find(static_cast<int>(status));
   if (found != names.end()) return found->second.c_str();
   std::string text;
   if (const ACHAR* wide = acadErrorStatusText(status))
-    for (const ACHAR* p = wide; *p != 0; ++p) appendUtf8(text, static_cast<unsigned long>(*p));
+    for (const ACHAR* p = wide; *p != 0; ++p) text += *p > 0 && *p < 0x80 ? static_cast<char>(*p) : '?';
   return names.emplace(static_cast<int>(status), std::move(text)).first->second.c_str();
 }
 

@@ -13,6 +13,7 @@
 #include <string>
 #include <vector>
 
+#include "host/common/utf8.h"
 #include "host/db/test_db.h"
 #include "vora/vora.h"
 
@@ -43,23 +44,7 @@ std::vector<std::string> ezdxfDump(const std::string& mode, const std::string& f
 
 std::string narrow(const std::wstring& w) {
   std::string s;
-  for (wchar_t c : w) {
-    if (c < 0x80) {
-      s += static_cast<char>(c);
-    } else if (c < 0x800) {
-      s += static_cast<char>(0xC0 | (c >> 6));
-      s += static_cast<char>(0x80 | (c & 0x3F));
-    } else if (c < 0x10000) {
-      s += static_cast<char>(0xE0 | (c >> 12));
-      s += static_cast<char>(0x80 | ((c >> 6) & 0x3F));
-      s += static_cast<char>(0x80 | (c & 0x3F));
-    } else {
-      s += static_cast<char>(0xF0 | (c >> 18));
-      s += static_cast<char>(0x80 | ((c >> 12) & 0x3F));
-      s += static_cast<char>(0x80 | ((c >> 6) & 0x3F));
-      s += static_cast<char>(0x80 | (c & 0x3F));
-    }
-  }
+  for (const wchar_t c : w) vora_host::appendUtf8(s, static_cast<char32_t>(c));
   return s;
 }
 
